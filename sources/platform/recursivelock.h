@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// The lock of a node: recursive, eight bytes, one atomic exchange when nobody else wants it.
+#ifndef TREEVAULT_PLATFORM_RECURSIVELOCK_H
+#define TREEVAULT_PLATFORM_RECURSIVELOCK_H
+
+#include "platform/process.h"
+
+#include <atomic>
+#include <cstdint>
+
+namespace treevault {
+
+class RecursiveLock {
+public:
+    RecursiveLock() = default;
+    RecursiveLock(const RecursiveLock&) = delete;
+    RecursiveLock& operator=(const RecursiveLock&) = delete;
+
+    void Enter() noexcept {
+        const uint32_t self = CurrentThreadId();
+        uint32_t seen = 0;
+        if (Owner.compare_exchange_strong(seen, self, std::memory_order_acquire,
+                                          std::memory_order_relaxed))
+            return;
+        if ((seen & ~Contended) == self)
+            ++Depth;
+        else
+            EnterContended(self);
+    }
+
+    void Leave() noexcept {
+        if (Depth != 0)
+            --Depth;
+        else if (Owner.exchange(0, std::memory_order_release) & Contended)
+            Owner.notify_one();
+    }
+
+private:
+    // Set beside the owner's id while threads may be waiting. Thread ids leave the bit free.
+    static constexpr uint32_t Contended = 0x80000000u;
+
+    void EnterContended(uint32_t self) noexcept;
+
+    std::atomic<uint32_t> Owner{0};
+    uint32_t Depth = 0; // entries of the owner beyond the first; only the owner touches it
+};
+
+// Holds a lock for a scope.
+class LockGuard {
+public:
+    explicit LockGuard(RecursiveLock& lock) noexcept : Held(&lock) { Held->Enter(); }
+    ~LockGuard() { Leave(); }
+    LockGuard(const LockGuard&) = delete;
+    LockGuard& operator=(const LockGuard&) = delete;
+
+    // Gives the lock up before the scope ends.
+    void Leave() noexcept {
+        if (RecursiveLock* lock = Held) {
+            Held = nullptr;
+            lock->Leave();
+        }
+    }
+
+private:
+    RecursiveLock* Held;
+};
+
+} // namespace treevault
+
+#endif
