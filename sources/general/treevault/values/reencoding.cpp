@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+// Re-encoding of text values. ASCII goes straight to its place, without a buffer in between.
+#include "general/treevault/values/reencoding.h"
+
+#include "common/errorhandling.h"
+#include "general/treevault/values/values.h"
+#include "platform/encoding.h"
+
+#include <algorithm>
+#include <new>
+
+namespace treevault {
+
+namespace {
+
+template <class Char>
+bool IsAscii(std::basic_string_view<Char> text) noexcept {
+    // Without an early end, block by block, so that many units are tested at once.
+    constexpr size_t block = 64;
+    while (!text.empty()) {
+        const size_t count = std::min(block, text.size());
+        unsigned all = 0;
+        for (size_t at = 0; at < count; ++at)
+            all |= static_cast<unsigned>(text[at]);
+        if (all > 0x7F)
+            return false;
+        text.remove_prefix(count);
+    }
+    return true;
+}
+
+// Gives the place of `units` of the target.
+template <class To>
+uint8_t* TakeText(OutputCursor& out, size_t units) {
+    const uint64_t size = uint64_t{units} * sizeof(To);
+    if (size > MaximumValueSize)
+        ThrowHr(E_INVALIDARG);
+    return out.Take(size);
+}
+
+template <class To, class From>
+void WriteAscii(std::basic_string_view<From> text, OutputCursor& out) {
+    uint8_t* const place = TakeText<To>(out, text.size());
+    if (!place)
+        return;
+    for (size_t at = 0; at < text.size(); ++at) {
+        const To unit = static_cast<To>(text[at]);
+        std::memcpy(place + at * sizeof(To), &unit, sizeof unit);
+    }
+}
+
+// `append` encodes into a string of the target.
+template <class String, class Append>
+void WriteEncoded(OutputCursor& out, Append&& append) {
+    using To = typename String::value_type;
+    try {
+        String text;
+        append(text);
+        if (uint8_t* const place = TakeText<To>(out, text.size()))
+            std::memcpy(place, text.data(), text.size() * sizeof(To));
+    } catch (const std::bad_alloc&) {
+        ThrowOutOfMemory();
+    }
+}
+
+} // namespace
+
+void WriteAsWide(std::string_view utf8, OutputCursor& out) {
+    if (IsAscii(utf8))
+        WriteAscii<WCHAR>(utf8, out);
+    else
+        WriteEncoded<WideText>(out, [&](WideText& text) { AppendWide(utf8, text); });
+}
+
+void WriteAsNarrow(WideView wide, OutputCursor& out) {
+    if (IsAscii(wide))
+        WriteAscii<char>(wide, out);
+    else
+        WriteEncoded<std::string>(out, [&](std::string& text) { AppendUtf8(wide, text); });
+}
+
+} // namespace treevault

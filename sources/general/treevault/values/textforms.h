@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+// The text forms of numbers, booleans and identifiers. Reading is more tolerant than writing, so a
+// written form always reads back. Narrow and wide forms have the same characters; nothing depends
+// on a locale.
+#ifndef TREEVAULT_GENERAL_TREEVAULT_VALUES_TEXTFORMS_H
+#define TREEVAULT_GENERAL_TREEVAULT_VALUES_TEXTFORMS_H
+
+#include "common/hextext.h"
+#include "common/numbers.h"
+#include "general/treevault/values/outputcursor.h"
+
+#include <treevault/platform.h>
+
+#include <charconv>
+
+namespace treevault {
+
+// Each writes the characters with their terminator in one write.
+
+// Decimal, with "-" in front of a negative value.
+template <class Char, class Integer>
+void WriteNumber(Integer value, OutputCursor& out) noexcept {
+    char digits[24];
+    char* const end = std::to_chars(digits, digits + sizeof digits - 1, value).ptr;
+    *end = 0;
+    const auto length = static_cast<size_t>(end - digits) + 1;
+    if constexpr (sizeof(Char) == 1) {
+        out.Write(digits, length);
+    } else {
+        Char text[sizeof digits];
+        for (size_t at = 0; at < length; ++at)
+            text[at] = static_cast<Char>(digits[at]);
+        out.Write(text, length * sizeof(Char));
+    }
+}
+
+// "True" or "False".
+template <class Char>
+void WriteBool(bool value, OutputCursor& out) noexcept {
+    static constexpr Char trueText[] = {'T', 'r', 'u', 'e', 0};
+    static constexpr Char falseText[] = {'F', 'a', 'l', 's', 'e', 0};
+    if (value)
+        out.WriteObject(trueText);
+    else
+        out.WriteObject(falseText);
+}
+
+// Upper case, in braces.
+template <class Char>
+void WriteGuid(const GUID& guid, OutputCursor& out) noexcept {
+    Char text[GuidTextLength + 3];
+    text[0] = '{';
+    Char* end = WriteGuidText(guid, UpperHexPairs<Char>, text + 1);
+    *end++ = '}';
+    *end++ = 0;
+    out.WriteObject(text);
+}
+
+// Each reads a zero-terminated text and leaves `value` untouched when it is not of the form.
+
+// The whole text is to be a number with base detection, see ParseInteger. The empty text is 0.
+template <class Integer, class Char>
+bool ParseNumber(const Char* text, Integer& value) noexcept {
+    const Char* stop;
+    const Integer parsed = ParseInteger<Integer>(text, &stop);
+    if (*stop != 0)
+        return false;
+    value = parsed;
+    return true;
+}
+
+// "True" or "False" in any case, or a number, which is true when it is not 0.
+template <class Char>
+bool ParseBool(const Char* text, bool& value) noexcept;
+
+// With braces and dashes, with dashes, or digits alone; what follows the last digit is ignored.
+// Each group of digits is read as a scan with a field width reads it: white space, a sign and "0x"
+// may stand before the digits. E_INVALIDARG for any other text and for null.
+template <class Char>
+HRESULT StringToGuid(const Char* text, GUID& guid) noexcept;
+
+extern template bool ParseBool(const char*, bool&) noexcept;
+extern template bool ParseBool(const WCHAR*, bool&) noexcept;
+extern template HRESULT StringToGuid(const char*, GUID&) noexcept;
+extern template HRESULT StringToGuid(const WCHAR*, GUID&) noexcept;
+
+} // namespace treevault
+
+#endif
