@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+// Copies of nodes and subtrees.
+#include "common/errorhandling.h"
+#include "general/treevault/nodes/acnodeimpl.h"
+#include "general/treevault/nodes/heldlocks.h"
+
+namespace treevault {
+
+namespace {
+
+// One level of the walk; the source's lock is held.
+struct CloneFrame {
+    const CACNodeImpl* Source;
+    CACNodeImpl* Target;
+    size_t NextChild;
+    uint64_t Depth;
+};
+
+uint64_t NextDepth(uint64_t depth) noexcept {
+    return depth == TREEVAULT_ALL_LEVELS ? depth : depth - 1;
+}
+
+} // namespace
+
+Ref<CACNodeImpl> CACNodeImpl::PvtCloneAlone(uint32_t flags) const {
+    Ref<CACNodeImpl> clone = MakeComponent<CACNodeImpl>(*this);
+    if (flags & CloneOwnAttributes)
+        clone->Attributes.EnsureOwn();
+    return clone;
+}
+
+// Builds downward, so that each node is linked once: a child shares its path with the original,
+// whose path lies below the path that the two parents share. The locks of the originals on the way
+// from the top to the node at work are held. Nobody else knows the clones yet, so theirs are not.
+void CACNodeImpl::PvtCloneChildren(CACNodeImpl* clone, uint64_t depth, uint32_t flags) const {
+    HeldLocks locks;
+    std::vector<CloneFrame> frames;
+    const auto descend = [&](const CACNodeImpl* source, CACNodeImpl* target, uint64_t levels) {
+        target->Children.reserve(source->Children.size());
+        frames.push_back({source, target, 0, levels});
+    };
+    descend(this, clone, depth);
+    while (!frames.empty()) {
+        CloneFrame& frame = frames.back();
+        if (frame.NextChild == frame.Source->Children.size()) {
+            frames.pop_back();
+            if (!frames.empty())
+                locks.LeaveLast();
+            continue;
+        }
+        const CACNodeImpl* const child = frame.Source->Children[frame.NextChild++];
+        locks.Enter(child->Lock);
+        const Ref<CACNodeImpl> copy = child->PvtCloneAlone(flags);
+        frame.Target->PvtInsertChild(copy.Get(), copy->ShortName());
+        copy->Parent.store(frame.Target, std::memory_order_relaxed);
+        const uint64_t levels = NextDepth(frame.Depth);
+        if (levels != 0 && !child->Children.empty())
+            descend(child, copy.Get(), levels);
+        else
+            locks.LeaveLast();
+    }
+}
+
+HRESULT CACNodeImpl::Clone(uint64_t depth, uint32_t flags, IACNode** clone) {
+    const auto writeName = [](WideStream& line) { line << TV_W("CACNodeImpl::Clone"); };
+    return NamedBoundary(SeverityDbg3, writeName, [&] {
+        CheckOutPointer(clone);
+        const LockGuard guard(Lock);
+        Ref<CACNodeImpl> copy = PvtCloneAlone(flags);
+        if (depth != 0 && !Children.empty())
+            PvtCloneChildren(copy.Get(), depth, flags);
+        *clone = copy.Detach();
+    });
+}
+
+} // namespace treevault

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+// The node itself: creation, lookup, name and type as text.
+#include "general/treevault/nodes/acnodeimpl.h"
+
+#include "common/components/componentsmodule.h"
+#include "common/errorhandling.h"
+#include "common/functiontrace.h"
+#include "common/textout.h"
+#include "general/treevault/nodes/nodeerrors.h"
+
+namespace treevault {
+
+namespace {
+
+const ClassRegistration nodeClass(CLSID_ACNode, [](const GUID* iid, void** out) {
+    return CreateComponent<CACNodeImpl>(iid, out, nullptr, nullptr);
+});
+
+// The path that a creator's name describes.
+PathRef InitialPath(const WCHAR* name) {
+    if (name && *name == PathSeparator)
+        return ParsePath(name);
+    return MakePathLink(
+        WideString(name ? WideView(name) : WideView(GuidToString(NewGuid(), GuidFormPlain))),
+        PathRef());
+}
+
+} // namespace
+
+CACNodeImpl::CACNodeImpl(const WCHAR* name, const WCHAR* type) {
+    const FunctionTrace trace(TV_W("CACNodeImpl::CACNodeImpl"));
+    Log(SeverityDbg3, [&](WideStream& line) {
+        line << TV_W("Creating: Name=") << name << TV_W(" Type=") << type;
+    });
+    Path = InitialPath(name);
+    if (!Path)
+        ThrowHr(TREEVAULT_E_INVALID_NAME);
+    if (type)
+        TypeName = WideString(type);
+}
+
+CACNodeImpl::CACNodeImpl(const CACNodeImpl& source)
+    : Attributes(source.Attributes), TypeName(source.TypeName), Path(source.Path) {
+    const FunctionTrace trace(TV_W("CACNodeImpl::CACNodeImpl"));
+    Log(SeverityDbg3, [&](WideStream& line) {
+        line << TV_W("Cloning: Name=") << ShortName().View() << TV_W(" Type=") << TypeName.View();
+    });
+}
+
+HRESULT CACNodeImpl::Lookup(const GUID* iid, void** out) noexcept {
+    return LookupInterface(iid, out, this, InterfaceEntry{IID_IACNode, static_cast<IACNode*>(this)},
+                           InterfaceEntry{IID_ACNodeImpl, this});
+}
+
+Ref<CACNodeImpl> CACNodeImpl::GetImpl(IACNode* node) {
+    void* impl = nullptr;
+    HRES(node->QueryInterface(&IID_ACNodeImpl, &impl));
+    return Ref<CACNodeImpl>::Attach(static_cast<CACNodeImpl*>(impl));
+}
+
+PathRef CACNodeImpl::GetPathLink() const noexcept {
+    const LockGuard guard(Lock);
+    return Path;
+}
+
+AttributeTable CACNodeImpl::GetAttributeTable() const noexcept {
+    const LockGuard guard(Lock);
+    return Attributes;
+}
+
+HRESULT CACNodeImpl::GetName(NodeNameKind kind, WCHAR* buffer, size_t* size) {
+    return Boundary([&]() -> HRESULT {
+        const LockGuard guard(Lock);
+        CheckOutPointer(size);
+        switch (kind) {
+        case NameShort:
+            return CopyTextOut(ShortName(), buffer, size);
+        case NameParentPath:
+            return CopyTextOut(ParentPathText(Path), buffer, size);
+        case NameFullPath:
+            return CopyTextOut(FullPathText(Path), buffer, size);
+        default:
+            ThrowHr(E_INVALIDARG);
+        }
+    });
+}
+
+HRESULT CACNodeImpl::GetType(WCHAR* buffer, size_t* size) {
+    return Boundary([&] {
+        const LockGuard guard(Lock);
+        return CopyTextOut(TypeName, buffer, size);
+    });
+}
+
+HRESULT CACNodeImpl::SetType(const WCHAR* type) {
+    return Boundary([&] {
+        CheckOutPointer(type);
+        WideString text{WideView(type)};
+        const LockGuard guard(Lock);
+        TypeName = std::move(text);
+    });
+}
+
+// Expected misses are cheap: they make a record only where the process asked for it.
+HRESULT CACNodeImpl::PvtMiss(HRESULT hr, const WCHAR* key, const WCHAR* value) noexcept {
+    return IsAdvancedErrorInfoEnabled() ? ReportNodeError(hr, this, key, value) : hr;
+}
+
+} // namespace treevault

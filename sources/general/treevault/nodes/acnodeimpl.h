@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+// The node: name and path, type, attributes, children and parent, behind the interface IACNode.
+//
+// Any thread may call any operation. Each takes the lock of its node; between nodes a parent's lock
+// comes before a child's, and no operation holds a child's lock while it asks for the parent's.
+#ifndef TREEVAULT_NODES_ACNODEIMPL_H
+#define TREEVAULT_NODES_ACNODEIMPL_H
+
+#include "common/components/componentobject.h"
+#include "general/treevault/nodes/attributetable.h"
+#include "general/treevault/nodes/childindex.h"
+#include "general/treevault/nodes/nodepath.h"
+#include "platform/recursivelock.h"
+
+#include <treevault/nodes.h>
+
+#include <vector>
+
+namespace treevault {
+
+// Gives the implementation behind a node; no client interface.
+inline constexpr GUID IID_ACNodeImpl = {
+    0x7F5C2747, 0x533B, 0x4A51, {0x87, 0xC9, 0x51, 0x28, 0xAE, 0x54, 0x15, 0x80}};
+
+class CACNodeImpl : public ComponentHead, public IACNode {
+public:
+    using ComponentHead::AddRef;
+    using ComponentHead::QueryInterface;
+    using ComponentHead::Release;
+
+    // Both may be null. Raises 0x80040201 for a bad name.
+    CACNodeImpl(const WCHAR* name, const WCHAR* type);
+
+    // Shares path, attributes and type; no parent, no children. The caller holds the source's lock.
+    explicit CACNodeImpl(const CACNodeImpl& source);
+
+    HRESULT Lookup(const GUID* iid, void** out) noexcept;
+    void FinalRelease() noexcept;
+
+    HRESULT TREEVAULT_CALL GetName(NodeNameKind kind, WCHAR* buffer, size_t* size) override;
+    HRESULT TREEVAULT_CALL SetName(NodeNameKind kind, const WCHAR* name) override;
+    HRESULT TREEVAULT_CALL GetType(WCHAR* buffer, size_t* size) override;
+    HRESULT TREEVAULT_CALL SetType(const WCHAR* type) override;
+    HRESULT TREEVAULT_CALL SetAttribute(const WCHAR* name, ValueType type, const void* data,
+                                        size_t size) override;
+    HRESULT TREEVAULT_CALL DeleteAttribute(const WCHAR* name) override;
+    HRESULT TREEVAULT_CALL GetAttribute(const WCHAR* name, const ValueType* wantedType,
+                                        void* buffer, size_t* size, ValueType* storedType) override;
+    HRESULT TREEVAULT_CALL GetAttributeNames(WCHAR* buffer, size_t* size) override;
+    HRESULT TREEVAULT_CALL SetModifiedState(const WCHAR* name, uint32_t state) override;
+    HRESULT TREEVAULT_CALL GetModifiedState(const WCHAR* name, uint32_t* state) override;
+    HRESULT TREEVAULT_CALL GetModifiedAttributeNames(WCHAR* buffer, size_t* size) override;
+    HRESULT TREEVAULT_CALL AddChild(IACNode* child) override;
+    HRESULT TREEVAULT_CALL RemoveChild(IACNode* child) override;
+    HRESULT TREEVAULT_CALL RemoveChildByIndex(uint64_t index) override;
+    HRESULT TREEVAULT_CALL GetChildCount(size_t* count) override;
+    HRESULT TREEVAULT_CALL GetChildByIndex(uint64_t index, IACNode** child) override;
+    HRESULT TREEVAULT_CALL GetChildByName(const WCHAR* name, IACNode** child) override;
+    HRESULT TREEVAULT_CALL GetParent(IACNode** parent) override;
+    HRESULT TREEVAULT_CALL Clone(uint64_t depth, uint32_t flags, IACNode** clone) override;
+
+    // The implementation of a node; raises E_NOINTERFACE for a foreign one.
+    static Ref<CACNodeImpl> GetImpl(IACNode* node);
+
+    PathRef GetPathLink() const noexcept;
+    AttributeTable GetAttributeTable() const noexcept;
+
+    // What a holder of Lock may read. References to children are those of this node.
+    const WideString& ShortName() const noexcept { return Path->Name; }
+    const PathRef& PathUnderLock() const noexcept { return Path; }
+    const WideString& TypeUnderLock() const noexcept { return TypeName; }
+    const AttributeTable& AttributesUnderLock() const noexcept { return Attributes; }
+    const std::vector<CACNodeImpl*>& ChildrenUnderLock() const noexcept { return Children; }
+
+    mutable RecursiveLock Lock; // guards every field of this node, but see Parent
+
+protected:
+    ~CACNodeImpl() = default;
+
+private:
+    Ref<CACNodeImpl> GetStrongParent() const noexcept;
+    void ClearParent() noexcept;
+    void SetPathLink(const PathRef& parentLink, const WideString& name);
+    bool PvtRenameChild(CACNodeImpl* child, const WideString& newName);
+    bool PvtTrySetName(NodeNameKind kind, WideView name);
+    PathRef PvtNewPath(NodeNameKind kind, WideView name, bool hasParent) const;
+
+    void PvtInsertChild(CACNodeImpl* child, const WideString& name);
+    void PvtAdoptClaimed(CACNodeImpl* child);
+    void PvtEraseChild(size_t index) noexcept;
+    void PvtDropChildren(CACNodeImpl*& dying) noexcept;
+    Ref<CACNodeImpl> PvtCloneAlone(uint32_t flags) const;
+    void PvtCloneChildren(CACNodeImpl* clone, uint64_t depth, uint32_t flags) const;
+
+    HRESULT PvtListNames(WCHAR* buffer, size_t* size, uint16_t mask) const;
+    std::span<AttributeEntry> PvtRange(const WCHAR* name) const noexcept;
+    HRESULT PvtMiss(HRESULT hr, const WCHAR* key, const WCHAR* value) noexcept;
+
+    AttributeTable Attributes; // none if no attribute was ever set or all were deleted at once
+    WideString TypeName;
+
+    // Not counted. Claimed from null by an atomic exchange, otherwise written under Lock. While a
+    // node is torn down it links those that die with it.
+    std::atomic<CACNodeImpl*> Parent{nullptr};
+
+    std::vector<CACNodeImpl*> Children; // in the order of adding; one counted reference each
+    ChildIndex ChildrenByName;          // by short name; one more counted reference each
+    PathRef Path;                       // never none; below the parent's as long as there is one
+};
+
+} // namespace treevault
+
+#endif

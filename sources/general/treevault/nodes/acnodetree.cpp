@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: MIT
+// Children and parent of a node: adding, removing, finding.
+#include "common/errorhandling.h"
+#include "common/functiontrace.h"
+#include "general/treevault/nodes/acnodeimpl.h"
+#include "general/treevault/nodes/nodeerrors.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace treevault {
+
+namespace {
+
+void LogChild(const void* child) {
+    Log(SeverityDbg3, [&](WideStream& line) {
+        line << TV_W("Child=");
+        line.Address(child);
+    });
+}
+
+void LogIndex(uint64_t index) {
+    Log(SeverityDbg3, [&](WideStream& line) { line << TV_W("Index: ") << index; });
+}
+
+template <class WriteName>
+void LogNotFound(const WriteName& writeName) {
+    Log(SeverityDbg2, [&](WideStream& line) {
+        writeName(line);
+        line << TV_W(" failed: ");
+        AppendErrorText(line, TREEVAULT_E_NOT_FOUND);
+    });
+}
+
+WideText IndexText(uint64_t index) {
+    WideStream text;
+    text << index;
+    return std::move(text.Str());
+}
+
+} // namespace
+
+// Takes two references to the child, one for each list. Raises 0x80040206 if the name is taken;
+// whatever it raises, nothing has changed.
+void CACNodeImpl::PvtInsertChild(CACNodeImpl* child, const WideString& name) {
+    if (Children.size() == Children.capacity())
+        Children.reserve(std::max<size_t>(2 * Children.size(), 4));
+    if (!ChildrenByName.Insert(name, child))
+        ThrowHr(TREEVAULT_E_CHILD_EXISTS);
+    Children.push_back(child);
+    child->CountUp();
+    child->CountUp();
+}
+
+// Takes a child out of both lists. The caller has a reference of its own.
+void CACNodeImpl::PvtEraseChild(size_t index) noexcept {
+    CACNodeImpl* const child = Children[index];
+    ChildrenByName.Erase(child->GetPathLink()->Name);
+    Children.erase(Children.begin() + static_cast<ptrdiff_t>(index));
+    child->ClearParent();
+    child->CountDown();
+    child->CountDown();
+}
+
+HRESULT CACNodeImpl::AddChild(IACNode* child) {
+    return Boundary([&] {
+        const FunctionTrace trace(TV_W("CACNodeImpl::AddChild"));
+        LogChild(child);
+        CheckOutPointer(child);
+        const LockGuard guard(Lock);
+        const Ref<CACNodeImpl> impl = GetImpl(child);
+        CACNodeImpl* free = nullptr;
+        if (!impl->Parent.compare_exchange_strong(free, this))
+            ThrowHr(TREEVAULT_E_HAS_PARENT);
+        PvtAdoptClaimed(impl.Get());
+    });
+}
+
+// The second half of AddChild, for a child whose Parent is this node already; gives the claim up
+// when it fails.
+void CACNodeImpl::PvtAdoptClaimed(CACNodeImpl* child) {
+    // From here on the child's name cannot change under us: a rename sees the parent and waits.
+    const WideString name = child->GetPathLink()->Name;
+    try {
+        if (ChildrenByName.Find(name)) {
+            PvtMiss(TREEVAULT_E_CHILD_EXISTS, TV_W("Child"), name.CStr());
+            ThrowHr(TREEVAULT_E_CHILD_EXISTS);
+        }
+        PvtInsertChild(child, name);
+    } catch (...) {
+        child->ClearParent();
+        throw;
+    }
+    try {
+        child->SetPathLink(Path, name);
+    } catch (...) {
+        PvtEraseChild(Children.size() - 1);
+        throw;
+    }
+}
+
+HRESULT CACNodeImpl::RemoveChild(IACNode* child) {
+    return Boundary([&]() -> HRESULT {
+        const FunctionTrace trace(TV_W("CACNodeImpl::RemoveChild"));
+        LogChild(child);
+        CheckOutPointer(child);
+        Ref<CACNodeImpl> impl;
+        const LockGuard guard(Lock);
+        impl = GetImpl(child);
+        if (impl->Parent.load() != this) {
+            const WideString name = impl->GetPathLink()->Name;
+            LogNotFound([&](WideStream& line) {
+                line << TV_W("RemoveChild('") << name.View() << TV_W("')");
+            });
+            return PvtMiss(TREEVAULT_E_NOT_FOUND, TV_W("Child"), name.CStr());
+        }
+        const auto found = std::find(Children.begin(), Children.end(), impl.Get());
+        PvtEraseChild(static_cast<size_t>(found - Children.begin()));
+        return S_OK;
+    });
+}
+
+HRESULT CACNodeImpl::RemoveChildByIndex(uint64_t index) {
+    const auto writeName = [&](WideStream& line) {
+        line << TV_W("RemoveChildByIndex(") << index << TV_W(")");
+    };
+    return NamedBoundary(SeverityDbg2, writeName, [&]() -> HRESULT {
+        const FunctionTrace trace(TV_W("CACNodeImpl::RemoveChildByIndex"));
+        LogIndex(index);
+        Ref<CACNodeImpl> child; // given back when the lock is free
+        const LockGuard guard(Lock);
+        if (index >= Children.size()) {
+            LogNotFound(writeName);
+            return PvtMiss(TREEVAULT_E_NOT_FOUND, TV_W("ChildIndex"), IndexText(index).c_str());
+        }
+        child = Ref<CACNodeImpl>::Share(Children[index]);
+        LogChild(static_cast<IACNode*>(child.Get()));
+        PvtEraseChild(index);
+        return S_OK;
+    });
+}
+
+HRESULT CACNodeImpl::GetChildCount(size_t* count) {
+    return Boundary([&] {
+        CheckOutPointer(count);
+        const LockGuard guard(Lock);
+        *count = Children.size();
+    });
+}
+
+HRESULT CACNodeImpl::GetChildByIndex(uint64_t index, IACNode** child) {
+    const auto writeName = [&](WideStream& line) {
+        line << TV_W("GetChildByIndex(") << index << TV_W(")");
+    };
+    return NamedBoundary(SeverityDbg2, writeName, [&]() -> HRESULT {
+        const FunctionTrace trace(TV_W("CACNodeImpl::GetChildByIndex"));
+        LogIndex(index);
+        CheckOutPointer(child);
+        const LockGuard guard(Lock);
+        if (index >= Children.size()) {
+            LogNotFound(writeName);
+            return PvtMiss(TREEVAULT_E_NOT_FOUND, TV_W("ChildIndex"), IndexText(index).c_str());
+        }
+        *child = Ref<CACNodeImpl>::Share(Children[index]).Detach();
+        LogChild(*child);
+        return S_OK;
+    });
+}
+
+HRESULT CACNodeImpl::GetChildByName(const WCHAR* name, IACNode** child) {
+    const auto writeName = [&](WideStream& line) {
+        line << TV_W("GetChildByName('") << name << TV_W("')");
+    };
+    return NamedBoundary(SeverityDbg3, writeName, [&]() -> HRESULT {
+        const FunctionTrace trace(TV_W("CACNodeImpl::GetChildByName"));
+        Log(SeverityDbg3, [&](WideStream& line) { line << TV_W("Name") << name; });
+        CheckOutPointer(name && child ? child : nullptr);
+        const LockGuard guard(Lock);
+        CACNodeImpl* const found = ChildrenByName.Find(name);
+        if (!found) {
+            LogNotFound(writeName);
+            return PvtMiss(TREEVAULT_E_NOT_FOUND, TV_W("Child"), name);
+        }
+        *child = Ref<CACNodeImpl>::Share(found).Detach();
+        LogChild(*child);
+        return S_OK;
+    });
+}
+
+// A parent whose count is 0 is about to clear this node's Parent and counts as none.
+Ref<CACNodeImpl> CACNodeImpl::GetStrongParent() const noexcept {
+    const LockGuard guard(Lock);
+    CACNodeImpl* const parent = Parent.load();
+    return Ref<CACNodeImpl>::Attach(parent && parent->CountUpIfAlive() ? parent : nullptr);
+}
+
+void CACNodeImpl::ClearParent() noexcept {
+    const LockGuard guard(Lock);
+    Parent.store(nullptr);
+}
+
+HRESULT CACNodeImpl::GetParent(IACNode** parent) {
+    return Boundary([&] {
+        CheckOutPointer(parent);
+        *parent = GetStrongParent().Detach();
+    });
+}
+
+} // namespace treevault

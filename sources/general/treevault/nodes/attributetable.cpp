@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+// The block of an attribute table: a head, the entries, and the characters of their names.
+#include "general/treevault/nodes/attributetable.h"
+
+#include "common/errorhandling.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+
+namespace treevault {
+
+struct AttributeTable::Block {
+    std::atomic<uint32_t> Owners;
+    uint32_t Count;
+    uint32_t Capacity;
+    uint32_t NameUnits; // used, with what erased entries left behind
+    uint32_t NameCapacity;
+
+    AttributeEntry* Entries() noexcept {
+        return std::launder(reinterpret_cast<AttributeEntry*>(this + 1));
+    }
+    WCHAR* Names() noexcept { return reinterpret_cast<WCHAR*>(Entries() + Capacity); }
+};
+
+namespace {
+
+constexpr size_t FirstCapacity = 4;
+constexpr size_t FirstNameCapacity = 32;
+
+// Entries are moved as bytes: nothing in them points into the block or into themselves.
+void MoveEntries(AttributeEntry* to, const AttributeEntry* from, size_t count) noexcept {
+    std::memmove(static_cast<void*>(to), static_cast<const void*>(from),
+                 count * sizeof(AttributeEntry));
+}
+
+// As unsigned code units, like every comparison of names.
+int CompareNames(const WCHAR* left, const WCHAR* right) noexcept {
+    while (*left != 0 && *left == *right) {
+        ++left;
+        ++right;
+    }
+    return static_cast<int>(*left) - static_cast<int>(*right);
+}
+
+} // namespace
+
+AttributeTable::AttributeTable(const AttributeTable& other) noexcept : Shared(other.Shared) {
+    if (Shared)
+        Shared->Owners.fetch_add(1, std::memory_order_relaxed);
+}
+
+AttributeTable::Block* AttributeTable::Allocate(size_t entries, size_t nameUnits) {
+    static_assert(sizeof(Block) % alignof(AttributeEntry) == 0 || alignof(AttributeEntry) <= 8);
+    if (nameUnits > std::numeric_limits<uint32_t>::max())
+        ThrowHr(E_INVALIDARG);
+    void* memory = ::operator new(sizeof(Block) + entries * sizeof(AttributeEntry) +
+                                  nameUnits * sizeof(WCHAR));
+    return new (memory)
+        Block{1, 0, static_cast<uint32_t>(entries), 0, static_cast<uint32_t>(nameUnits)};
+}
+
+void AttributeTable::Drop(Block* block) noexcept {
+    if (!block || block->Owners.fetch_sub(1, std::memory_order_acq_rel) != 1)
+        return;
+    std::destroy_n(block->Entries(), block->Count);
+    ::operator delete(block);
+}
+
+std::span<AttributeEntry> AttributeTable::Entries() const noexcept {
+    if (!Shared)
+        return {};
+    return {Shared->Entries(), Shared->Count};
+}
+
+const WCHAR* AttributeTable::Name(const AttributeEntry& entry) const noexcept {
+    return Shared->Names() + entry.NameOffset;
+}
+
+// Where the entry of `name` is or would be.
+size_t AttributeTable::Position(const WCHAR* name) const noexcept {
+    const std::span<AttributeEntry> entries = Entries();
+    const auto found = std::lower_bound(entries.begin(), entries.end(), name,
+                                        [this](const AttributeEntry& entry, const WCHAR* wanted) {
+                                            return CompareNames(Name(entry), wanted) < 0;
+                                        });
+    return static_cast<size_t>(found - entries.begin());
+}
+
+AttributeEntry* AttributeTable::Find(const WCHAR* name) const noexcept {
+    const std::span<AttributeEntry> entries = Entries();
+    const size_t at = Position(name);
+    if (at == entries.size() || CompareNames(Name(entries[at]), name) != 0)
+        return nullptr;
+    return &entries[at];
+}
+
+void AttributeTable::EnsureOwn() {
+    if (!Shared) {
+        Shared = Allocate(FirstCapacity, FirstNameCapacity);
+        return;
+    }
+    // With one owner, and that one's lock held, nobody can become a second.
+    if (Shared->Owners.load(std::memory_order_acquire) == 1)
+        return;
+    AttributeTable copy;
+    copy.Shared = Allocate(std::max<size_t>(Shared->Count, FirstCapacity), Shared->NameCapacity);
+    Block& target = *copy.Shared;
+    std::memcpy(target.Names(), Shared->Names(), Shared->NameUnits * sizeof(WCHAR));
+    target.NameUnits = Shared->NameUnits;
+    for (const AttributeEntry& entry : Entries()) {
+        ValueStorage value;
+        value.Assign(entry.Value.Data(), entry.Value.Size());
+        new (target.Entries() + target.Count)
+            AttributeEntry{entry.NameOffset, entry.Type, entry.LoadFlags(), std::move(value)};
+        ++target.Count;
+    }
+    std::swap(Shared, copy.Shared);
+}
+
+// Makes room for one more entry and for the characters of its name, in a new block if need be; what
+// erased names left behind is dropped then.
+void AttributeTable::Reserve(size_t nameUnits) {
+    if (Shared->Count < Shared->Capacity && nameUnits <= Shared->NameCapacity - Shared->NameUnits)
+        return;
+    size_t used = 0;
+    for (const AttributeEntry& entry : Entries())
+        used += WideLength(Name(entry)) + 1;
+    const size_t entries =
+        Shared->Count < Shared->Capacity ? Shared->Capacity : Shared->Capacity * 2u;
+    const size_t names =
+        std::max<size_t>(Shared->NameCapacity, used + nameUnits + (used + nameUnits) / 2);
+    Block* const grown = Allocate(entries, names);
+    MoveEntries(grown->Entries(), Shared->Entries(), Shared->Count);
+    for (AttributeEntry& entry : std::span(grown->Entries(), Shared->Count)) {
+        const WCHAR* name = Name(entry);
+        const size_t units = WideLength(name) + 1;
+        std::memcpy(grown->Names() + grown->NameUnits, name, units * sizeof(WCHAR));
+        entry.NameOffset = grown->NameUnits;
+        grown->NameUnits += static_cast<uint32_t>(units);
+    }
+    grown->Count = Shared->Count;
+    ::operator delete(std::exchange(Shared, grown));
+}
+
+void AttributeTable::Set(const WCHAR* name, ValueType type, ValueStorage&& value, uint16_t flags) {
+    if (AttributeEntry* entry = Find(name)) {
+        entry->Value = std::move(value);
+        entry->Type = type;
+        entry->StoreFlags(flags);
+        return;
+    }
+    const size_t units = WideLength(name) + 1;
+    Reserve(units);
+    std::memcpy(Shared->Names() + Shared->NameUnits, name, units * sizeof(WCHAR));
+    const size_t at = Position(name);
+    AttributeEntry* const place = Shared->Entries() + at;
+    MoveEntries(place + 1, place, Shared->Count - at);
+    new (place) AttributeEntry{Shared->NameUnits, type, flags, std::move(value)};
+    Shared->NameUnits += static_cast<uint32_t>(units);
+    ++Shared->Count;
+}
+
+void AttributeTable::Erase(AttributeEntry* entry) noexcept {
+    entry->~AttributeEntry();
+    const auto behind = static_cast<size_t>(Shared->Entries() + Shared->Count - (entry + 1));
+    MoveEntries(entry, entry + 1, behind);
+    --Shared->Count;
+}
+
+} // namespace treevault

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+// The attributes of a node: entries sorted by name in one block of memory, which a node shares with
+// its clones until one of them writes a value.
+#ifndef TREEVAULT_NODES_ATTRIBUTETABLE_H
+#define TREEVAULT_NODES_ATTRIBUTETABLE_H
+
+#include "general/treevault/values/valuestorage.h"
+#include "platform/widetext.h"
+
+#include <treevault/values.h>
+
+#include <atomic>
+#include <cstdint>
+#include <span>
+#include <utility>
+
+namespace treevault {
+
+// One attribute. The name stands in the block of the table.
+struct AttributeEntry {
+    uint32_t NameOffset; // code units from the start of the table's names
+    ValueType Type;
+    uint16_t Flags; // bit 0: modified; written while the table is shared, so always atomically
+    ValueStorage Value;
+
+    uint16_t LoadFlags() const noexcept {
+        return std::atomic_ref(const_cast<uint16_t&>(Flags)).load(std::memory_order_relaxed);
+    }
+    void StoreFlags(uint16_t flags) noexcept {
+        std::atomic_ref(Flags).store(flags, std::memory_order_relaxed);
+    }
+};
+
+inline constexpr uint16_t AttributeModified = 1;
+
+// A shared reference to a table, or none, which differs from an empty table. The node that owns it
+// guards it with its lock. Everything but the flags is written by the only owner alone.
+class AttributeTable {
+public:
+    AttributeTable() noexcept = default;
+    AttributeTable(const AttributeTable& other) noexcept;
+    AttributeTable(AttributeTable&& other) noexcept
+        : Shared(std::exchange(other.Shared, nullptr)) {}
+    AttributeTable& operator=(AttributeTable other) noexcept {
+        std::swap(Shared, other.Shared);
+        return *this;
+    }
+    ~AttributeTable() { Drop(Shared); }
+
+    explicit operator bool() const noexcept { return Shared != nullptr; }
+
+    // Makes a table where there is none, and a private copy of a shared one. The strong guarantee
+    // holds: what memory does not suffice for changes nothing.
+    void EnsureOwn();
+
+    // The entries in the order of their names.
+    std::span<AttributeEntry> Entries() const noexcept;
+
+    // Zero-terminated.
+    const WCHAR* Name(const AttributeEntry& entry) const noexcept;
+
+    // Null when there is no such attribute.
+    AttributeEntry* Find(const WCHAR* name) const noexcept;
+
+    // For the only owner: sets the value, in a new entry if need be. The value is taken over once
+    // nothing can fail any more.
+    void Set(const WCHAR* name, ValueType type, ValueStorage&& value, uint16_t flags);
+
+    // For the only owner.
+    void Erase(AttributeEntry* entry) noexcept;
+
+private:
+    struct Block;
+
+    static Block* Allocate(size_t entries, size_t nameUnits);
+    static void Drop(Block* block) noexcept;
+    size_t Position(const WCHAR* name) const noexcept;
+    void Reserve(size_t nameUnits);
+
+    Block* Shared = nullptr;
+};
+
+} // namespace treevault
+
+#endif

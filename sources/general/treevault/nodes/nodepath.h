@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// Paths of nodes: a chain of shared links, one for each name, from a node up to the top.
+#ifndef TREEVAULT_NODES_NODEPATH_H
+#define TREEVAULT_NODES_NODEPATH_H
+
+#include "common/widestring.h"
+
+namespace treevault {
+
+struct NodePathLink;
+
+// A counted reference to a link, or none.
+class PathRef {
+public:
+    PathRef() noexcept = default;
+    PathRef(const PathRef& other) noexcept;
+    PathRef(PathRef&& other) noexcept : Link(std::exchange(other.Link, nullptr)) {}
+    PathRef& operator=(PathRef other) noexcept {
+        std::swap(Link, other.Link);
+        return *this;
+    }
+    ~PathRef() { Drop(Link); }
+
+    // A new link below `parent`, whatever the name holds.
+    static PathRef Make(WideString name, PathRef parent);
+
+    const NodePathLink* operator->() const noexcept { return Link; }
+    const NodePathLink* Get() const noexcept { return Link; }
+    explicit operator bool() const noexcept { return Link != nullptr; }
+
+private:
+    // Long chains are taken apart in a loop.
+    static void Drop(NodePathLink* link) noexcept;
+
+    NodePathLink* Link = nullptr;
+};
+
+// One step of a path. It never changes; nodes and their descendants share it.
+struct NodePathLink {
+    WideString Name;
+    PathRef ParentLink; // none at the top
+    mutable std::atomic<uint32_t> Owners{1};
+};
+
+// A new link. Raises 0x80040201 if the name holds a "\"; the empty name is a name.
+PathRef MakePathLink(const WideString& name, const PathRef& parent);
+
+// The chain of a text that begins with "\". Runs of separators count as one. None for "\" alone;
+// raises 0x80040201 for a text that begins otherwise or, being longer, ends with a separator.
+PathRef ParsePath(WideView text);
+
+// "\" at the top.
+WideText ParentPathText(const PathRef& path);
+WideText FullPathText(const PathRef& path);
+
+} // namespace treevault
+
+#endif
