@@ -11,19 +11,21 @@
 #include <treevault/platform.h>
 
 /* The library's own codes. */
-#define TREEVAULT_E_INVALID_NAME ((HRESULT)0x80040201)      /* invalid name or path */
-#define TREEVAULT_E_PARENT_PATH_FIXED ((HRESULT)0x80040202) /* a child's parent path can't change  \
-                                                             */
-#define TREEVAULT_E_UNSUPPORTED_TYPE ((HRESULT)0x80040203)  /* unsupported value type tag */
-#define TREEVAULT_E_CANNOT_CONVERT ((HRESULT)0x80040204)    /* a value cannot be converted */
-#define TREEVAULT_E_HAS_PARENT ((HRESULT)0x80040205)        /* child already has a parent */
-#define TREEVAULT_E_CHILD_EXISTS ((HRESULT)0x80040206)      /* a child of that name exists */
-#define TREEVAULT_E_CONTEXT_FINISHED ((HRESULT)0x80040207)  /* context already finished */
-#define TREEVAULT_E_NOT_WELL_FORMED ((HRESULT)0x80040208)   /* XML text not well-formed */
+#define TREEVAULT_E_INVALID_NAME ((HRESULT)0x80040201)        /* invalid name or path */
+#define TREEVAULT_E_PARENT_PATH_FIXED ((HRESULT)0x80040202)   /* path follows from the parent */
+#define TREEVAULT_E_UNSUPPORTED_TYPE ((HRESULT)0x80040203)    /* unsupported value type tag */
+#define TREEVAULT_E_CANNOT_CONVERT ((HRESULT)0x80040204)      /* a value cannot be converted */
+#define TREEVAULT_E_HAS_PARENT ((HRESULT)0x80040205)          /* child already has a parent */
+#define TREEVAULT_E_CHILD_EXISTS ((HRESULT)0x80040206)        /* a child of that name exists */
+#define TREEVAULT_E_CONTEXT_FINISHED ((HRESULT)0x80040207)    /* context already finished */
+#define TREEVAULT_E_NOT_WELL_FORMED ((HRESULT)0x80040208)     /* XML text not well-formed */
 #define TREEVAULT_E_NOT_A_NODE_DOCUMENT ((HRESULT)0x80040209) /* XML of another structure */
+#define TREEVAULT_E_STG_NAME_IN_USE ((HRESULT)0x80040301)     /* storage name in use */
+#define TREEVAULT_E_STG_PARENT_MISSING ((HRESULT)0x80040303)  /* parent missing */
+#define TREEVAULT_E_STG_BAD_PATH ((HRESULT)0x80040304)        /* bad path */
+#define TREEVAULT_E_STG_BAD_FILTER ((HRESULT)0x80040305)      /* bad filter type */
 
-/* Codes of the platform that the library returns, where the platform has no name for the HRESULT.
- */
+/* Codes of the platform that have no name as an HRESULT there. */
 #define TREEVAULT_E_INVALID_DATA ((HRESULT)0x8007000D)        /* bytes that don't fit their tag */
 #define TREEVAULT_E_INSUFFICIENT_BUFFER ((HRESULT)0x8007007A) /* the needed size was reported */
 #define TREEVAULT_E_NOT_FOUND ((HRESULT)0x80070490)           /* the thing does not exist */

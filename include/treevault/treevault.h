@@ -34,6 +34,7 @@
 #include <treevault/nodes.h>
 #include <treevault/platform.h>
 #include <treevault/serialization.h>
+#include <treevault/storage.h>
 #include <treevault/values.h>
 
 #endif

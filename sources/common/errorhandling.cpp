@@ -49,6 +49,8 @@ unsigned HRES::FrameCount() const noexcept {
 
 TREEVAULT_OWN_FRAME HRX::HRX(HRESULT hr) noexcept {
     Set(hr, true);
+    // Behind the call, so that it is no jump, which would take this function's frame away.
+    __asm__ volatile("");
 }
 
 TREEVAULT_OWN_FRAME void ThrowHr(HRESULT hr) {

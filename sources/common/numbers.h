@@ -28,6 +28,47 @@ constexpr unsigned DigitValue(Char c) noexcept {
         return static_cast<unsigned>(c - 'A') + 10;
     return 99;
 }
+
+// The value of a digit of the base, or something that is no less than the base.
+template <unsigned base, class Char>
+constexpr unsigned DigitOfBase(Char c) noexcept {
+    if constexpr (base <= 10)
+        return static_cast<unsigned>(c - '0');
+    else
+        return DigitValue(c);
+}
+
+// How many digits of the base never exceed `limit`.
+constexpr unsigned SafeDigits(unsigned base, uint64_t limit) noexcept {
+    unsigned count = 0;
+    for (; limit >= base - 1; limit = (limit - (base - 1)) / base)
+        ++count;
+    return count;
+}
+
+// Parses digits, with the base known so that nothing is divided at run time. What exceeds `limit`
+// becomes `limit`, and sets `overflow`.
+template <unsigned base, class Unsigned, class Char>
+constexpr Unsigned ParseDigits(const Char*& at, Unsigned limit, bool& overflow) noexcept {
+    Unsigned value = 0;
+    unsigned digit = 0;
+    // Signed values have the lower limit, which is as good for unsigned ones here.
+    for (unsigned safe = SafeDigits(base, std::numeric_limits<Unsigned>::max() / 2); safe != 0;
+         --safe, ++at) {
+        if ((digit = DigitOfBase<base>(*at)) >= base)
+            return value;
+        value = static_cast<Unsigned>(value * base + digit);
+    }
+    const auto last = static_cast<Unsigned>(limit / base); // one more digit may fit behind it
+    const auto lastDigit = static_cast<unsigned>(limit % base);
+    for (; (digit = DigitOfBase<base>(*at)) < base; ++at) {
+        if (value < last || (value == last && digit <= lastDigit))
+            value = static_cast<Unsigned>(value * base + digit);
+        else
+            overflow = true;
+    }
+    return overflow ? limit : value;
+}
 } // namespace detail
 
 // Parses the number at the start of a zero-terminated text: white space, a sign, "0x" or "0X" for
@@ -58,19 +99,13 @@ constexpr Integer ParseInteger(const Char* text, const Char** stop) noexcept {
                                     (negative ? 1u : 0u))
             : std::numeric_limits<Unsigned>::max();
     const Char* const digits = at;
-    Unsigned value = 0;
     bool overflow = false;
-    for (unsigned digit; (digit = detail::DigitValue(*at)) < base; ++at) {
-        if (overflow || value > (limit - digit) / base)
-            overflow = true;
-        else
-            value = static_cast<Unsigned>(value * base + digit);
-    }
+    const Unsigned value = base == 10   ? detail::ParseDigits<10>(at, limit, overflow)
+                           : base == 16 ? detail::ParseDigits<16>(at, limit, overflow)
+                                        : detail::ParseDigits<8>(at, limit, overflow);
     *stop = at == digits ? text : at;
     if (overflow && !std::is_signed_v<Integer>)
         return std::numeric_limits<Integer>::max();
-    if (overflow)
-        value = limit;
     return static_cast<Integer>(negative ? static_cast<Unsigned>(0 - value) : value);
 }
 

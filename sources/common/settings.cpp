@@ -8,18 +8,25 @@
 
 #include <algorithm>
 #include <atomic>
-#include <memory>
 #include <new>
 
 namespace treevault {
+namespace {
 
-void SettingsSourceList::Add(SettingsSource* source) {
-    const std::lock_guard guard(Lock);
+template <class Body>
+auto RaisingOutOfMemory(const Body& body) {
     try {
-        Sources.push_back(source);
+        return body();
     } catch (const std::bad_alloc&) {
         ThrowOutOfMemory();
     }
+}
+
+} // namespace
+
+void SettingsSourceList::Add(SettingsSource* source) {
+    const std::lock_guard guard(Lock);
+    RaisingOutOfMemory([&] { Sources.push_back(source); });
 }
 
 void SettingsSourceList::Remove(SettingsSource* source) noexcept {
@@ -30,16 +37,12 @@ void SettingsSourceList::Remove(SettingsSource* source) noexcept {
 template <class Ask>
 HRESULT SettingsSourceList::Walk(const Ask& ask) {
     const std::lock_guard guard(Lock);
-    try {
-        for (size_t left = Sources.size(); left != 0;) {
-            const HRESULT hr = ask(*Sources[--left]);
-            if (SUCCEEDED(hr) || hr == E_ABORT)
-                return hr;
-            // A source may have removed some.
-            left = std::min(left, Sources.size());
-        }
-    } catch (const std::bad_alloc&) {
-        ThrowOutOfMemory();
+    for (size_t left = Sources.size(); left != 0;) {
+        const HRESULT hr = RaisingOutOfMemory([&] { return ask(*Sources[--left]); });
+        if (SUCCEEDED(hr) || hr == E_ABORT)
+            return hr;
+        // A source may have removed some.
+        left = std::min(left, Sources.size());
     }
     return TREEVAULT_E_NOT_FOUND;
 }
@@ -60,11 +63,10 @@ struct ProcessSettings {
     EnvironmentSettings Environment{List};
 };
 
-// What is read without a lock, and the lock under which it is made. They need no construction and
-// are never destroyed, so that they hold from the first to the last moment of the library.
+// What is read without a lock. It needs no construction and is never destroyed, so that it holds
+// from the first to the last moment of the library.
 constinit std::atomic<ProcessSettings*> processSettings{nullptr};
 constinit std::atomic<bool> unloading{false};
-constinit std::mutex making;
 
 // Made while the library loads, so that it ends after whatever a client's static objects read while
 // they are destroyed.
@@ -80,11 +82,12 @@ const SettingsEnd settingsEnd;
 
 SettingsSourceList* GetSettingsSources() {
     ProcessSettings* settings = processSettings.load(std::memory_order_acquire);
-    if (!settings) {
+    if (!settings && !unloading) {
+        static std::mutex making;
         const std::lock_guard guard(making);
         settings = processSettings.load(std::memory_order_relaxed);
-        if (!settings && !unloading) {
-            settings = new ProcessSettings;
+        if (!settings) {
+            settings = RaisingOutOfMemory([] { return new ProcessSettings; });
             processSettings.store(settings, std::memory_order_release);
         }
     }

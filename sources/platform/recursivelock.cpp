@@ -16,7 +16,7 @@ void RecursiveLock::EnterContended(uint32_t self) noexcept {
         } else if ((seen & Contended) != 0 ||
                    Owner.compare_exchange_weak(seen, seen | Contended, std::memory_order_relaxed,
                                                std::memory_order_relaxed)) {
-            Owner.wait(seen | Contended, std::memory_order_relaxed);
+            WaitWhile(Owner, seen | Contended);
             seen = Owner.load(std::memory_order_relaxed);
         }
     }

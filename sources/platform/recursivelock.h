@@ -3,6 +3,7 @@
 #ifndef TREEVAULT_PLATFORM_RECURSIVELOCK_H
 #define TREEVAULT_PLATFORM_RECURSIVELOCK_H
 
+#include "platform/addresswait.h"
 #include "platform/process.h"
 
 #include <atomic>
@@ -32,7 +33,7 @@ public:
         if (Depth != 0)
             --Depth;
         else if (Owner.exchange(0, std::memory_order_release) & Contended)
-            Owner.notify_one();
+            WakeOne(Owner);
     }
 
 private:

@@ -64,7 +64,8 @@ bool ReadTextFile(const WideText& path, std::string& text) {
 }
 
 std::string_view Trim(std::string_view text) noexcept {
-    constexpr std::string_view space = " \t\v\f\r";
+    // The last one ended text files once.
+    constexpr std::string_view space = " \t\v\f\r\x1A";
     const size_t first = text.find_first_not_of(space);
     if (first == text.npos)
         return {};
@@ -99,7 +100,7 @@ bool ParseHeader(std::string_view line, std::string_view& name) noexcept {
     const size_t close = line.rfind(']');
     if (!line.starts_with('[') || close == line.npos)
         return false;
-    name = line.substr(1, close - 1);
+    name = Trim(line.substr(1, close - 1));
     return true;
 }
 
@@ -128,7 +129,9 @@ bool ReadIniValue(const WideText& path, const WideText& section, const WideText&
     std::string text;
     if (!ReadTextFile(path, text))
         return false;
-    const std::string_view found = FindValue(text, ToUtf8(section), ToUtf8(key));
+    const std::string sectionName = ToUtf8(section);
+    const std::string keyName = ToUtf8(key);
+    const std::string_view found = FindValue(text, Trim(sectionName), Trim(keyName));
     const std::string_view ended = found.substr(0, found.find('\0'));
     if (ended.empty())
         return false;

@@ -2,22 +2,13 @@
 // The exported node functions. Each checks its handle and forwards; the operations behind them are
 // the boundaries.
 #include "common/errorhandling.h"
+#include "general/treevault/exports/forward.h"
 #include "general/treevault/nodes/acnodeimpl.h"
 
 #include <treevault/serialization.h>
+#include <treevault/storage.h>
 
 using namespace treevault;
-
-namespace {
-
-// Calls an operation of the object behind a handle.
-template <class Interface, class... Parameters, class... Arguments>
-HRESULT Forward(Interface* handle, HRESULT (TREEVAULT_CALL Interface::*operation)(Parameters...),
-                Arguments... arguments) {
-    return handle ? (handle->*operation)(arguments...) : E_POINTER;
-}
-
-} // namespace
 
 extern "C" {
 
@@ -41,6 +32,9 @@ HRESULT TREEVAULT_CALL AcnDuplicateNodeHandle(IACNode* node, IACNode** copy) {
     return S_OK;
 }
 
+HRESULT TREEVAULT_CALL StgDuplicateStorageHandle(INodeStorage* storage, INodeStorage** copy)
+    __attribute__((alias("AcnDuplicateNodeHandle")));
+
 // Knows its handle by the operations of IComponentUnknown only, so that it serves every kind.
 void TREEVAULT_CALL AcnCloseNodeHandle(IACNode* node) {
     if (node)
@@ -50,6 +44,8 @@ void TREEVAULT_CALL AcnCloseNodeHandle(IACNode* node) {
 void TREEVAULT_CALL AcnCloseSerializationContext(INodeSerializer* context)
     __attribute__((alias("AcnCloseNodeHandle")));
 void TREEVAULT_CALL AcnCloseDeserializationContext(INodeDeserializer* context)
+    __attribute__((alias("AcnCloseNodeHandle")));
+void TREEVAULT_CALL StgCloseStorageHandle(INodeStorage* storage)
     __attribute__((alias("AcnCloseNodeHandle")));
 
 HRESULT TREEVAULT_CALL AcnGetNodeName(IACNode* node, NodeNameKind kind, WCHAR* buffer,

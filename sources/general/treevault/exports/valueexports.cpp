@@ -13,7 +13,8 @@ HRESULT TREEVAULT_CALL AcnConvertData(ValueType sourceType, const void* sourceDa
                                       uint64_t sourceSize, ValueType targetType, void* targetBuffer,
                                       uint64_t* targetSize) {
     return Boundary([&] {
-        CheckOutPointer(targetSize);
+        if (!targetSize)
+            ThrowHr(E_POINTER);
         const uint64_t capacity = *targetSize;
         uint64_t needed = 0;
         ConvertValue({sourceType, sourceData, sourceSize}, targetType, targetBuffer, capacity,

@@ -11,7 +11,7 @@
 
 namespace treevault {
 
-struct AttributeTable::Block {
+struct alignas(AttributeEntry) AttributeTable::Block {
     std::atomic<uint32_t> Owners;
     uint32_t Count;
     uint32_t Capacity;
@@ -52,7 +52,7 @@ AttributeTable::AttributeTable(const AttributeTable& other) noexcept : Shared(ot
 }
 
 AttributeTable::Block* AttributeTable::Allocate(size_t entries, size_t nameUnits) {
-    static_assert(sizeof(Block) % alignof(AttributeEntry) == 0 || alignof(AttributeEntry) <= 8);
+    static_assert(sizeof(Block) % alignof(AttributeEntry) == 0);
     if (nameUnits > std::numeric_limits<uint32_t>::max())
         ThrowHr(E_INVALIDARG);
     void* memory = ::operator new(sizeof(Block) + entries * sizeof(AttributeEntry) +

@@ -23,28 +23,32 @@ Block MakeBlock(uint64_t size) {
     return block;
 }
 
-// The source of a cell, checked. Wide text at an odd address is moved to where it can be read.
+// Raises unless the bytes fit.
+template <class Type>
+void Check(const ValueView& source) {
+    if (!HasShape(TagOf<Type>, source.Data, source.Size))
+        ThrowHr(TREEVAULT_E_INVALID_DATA);
+}
+
+// The source where the machine may read it: wide text at an odd address is moved.
 template <class Element>
-class CheckedSource {
-public:
-    explicit CheckedSource(const ValueView& source) : Source(source) {
-        CheckValue(source.Type, source.Data, source.Size);
-        if constexpr (std::is_same_v<Element, WideElement>) {
-            if (reinterpret_cast<uintptr_t>(source.Data) % alignof(WCHAR) != 0 && source.Size != 0)
-                Move();
-        }
+struct Readable {
+    explicit Readable(const ValueView& source) : View(source) {}
+
+    const ValueView& View;
+};
+
+template <>
+struct Readable<WideElement> {
+    explicit Readable(const ValueView& source) : View(source) {
+        if (reinterpret_cast<uintptr_t>(source.Data) % alignof(WCHAR) == 0 || source.Size == 0)
+            return;
+        Copy = MakeBlock(source.Size);
+        std::memcpy(Copy.get(), source.Data, source.Size);
+        View.Data = Copy.get();
     }
 
-    const ValueView& View() const noexcept { return Source; }
-
-private:
-    void Move() {
-        Copy = MakeBlock(Source.Size);
-        std::memcpy(Copy.get(), Source.Data, Source.Size);
-        Source.Data = Copy.get();
-    }
-
-    ValueView Source;
+    ValueView View;
     Block Copy;
 };
 
@@ -61,8 +65,9 @@ constexpr bool IsArrayType<ArrayOf<Element>> = true;
 template <class Type>
 constexpr bool IsEmptyType = std::is_same_v<Type, Empty>;
 
-bool Copy(const ValueView& source, OutputCursor& out) {
-    CheckValue(source.Type, source.Data, source.Size);
+template <class Type>
+bool CopyValue(const ValueView& source, OutputCursor& out) {
+    Check<Type>(source);
     out.Used = 0;
     out.Write(source.Data, source.Size);
     return true;
@@ -70,46 +75,45 @@ bool Copy(const ValueView& source, OutputCursor& out) {
 
 template <class From, class To>
 bool ConvertScalar(const ValueView& source, OutputCursor& out) {
-    const CheckedSource<From> checked(source);
-    if constexpr (HasRule<From, To>)
-        Convert(ScalarLoader<From>::Load(checked.View()), Into<To>(), out);
+    Check<From>(source);
+    if constexpr (HasRule<From, To>) {
+        const Readable<From> readable(source);
+        Convert(ScalarLoader<From>::Load(readable.View), Into<To>(), out);
+    }
     return HasRule<From, To>;
 }
 
 // A pair without a rule is found out at the first element.
 template <class From, class To>
 bool ConvertElements(ArrayOf<From>, ArrayOf<To>, const ValueView& source, OutputCursor& out) {
-    const CheckedSource<From> checked(source);
-    return ArrayWalker<From>::Walk(checked.View(), [&]([[maybe_unused]] const From& element) {
+    Check<ArrayOf<From>>(source);
+    const Readable<From> readable(source);
+    return ArrayWalker<From>::Walk(readable.View, [&]([[maybe_unused]] const From& element) {
         if constexpr (HasRule<From, To>)
             Convert(element, Into<To>(), out);
         return HasRule<From, To>;
     });
 }
 
-bool RequireNoElements(const ValueView& source) {
-    CheckValue(source.Type, source.Data, source.Size);
-    Require(source.Size == 0);
-    return true;
-}
-
 // One cell of the matrix. False means that the pair has no direct conversion.
 template <class From, class To>
 bool RunCell(const ValueView& source, [[maybe_unused]] OutputCursor& out) {
     if constexpr (std::is_same_v<From, To>) {
-        return Copy(source, out);
+        return CopyValue<From>(source, out);
     } else if constexpr (IsEmptyType<From>) {
         // Nothing is as good from any bytes, so that they are not looked at.
         Convert(Empty(), Into<To>(), out);
         return true;
     } else if constexpr (IsArrayType<From> && IsEmptyType<To>) {
-        return RequireNoElements(source);
+        Check<From>(source);
+        Require(source.Size == 0);
+        return true;
     } else if constexpr (IsArrayType<From> && IsArrayType<To>) {
         return ConvertElements(From(), To(), source, out);
     } else if constexpr (IsArrayType<From> || IsArrayType<To>) {
         // There is no way, whatever the bytes; those of a boolean are looked at all the same.
         if constexpr (std::is_same_v<From, BoolByte>)
-            CheckValue(source.Type, source.Data, source.Size);
+            Check<From>(source);
         return false;
     } else {
         return ConvertScalar<From, To>(source, out);
@@ -139,29 +143,26 @@ constexpr auto MakeMatrix(TypeList<From...> types) {
 
 constexpr auto Matrix = MakeMatrix(AllTypes());
 
-// The row or column of a supported tag.
+// The row or column of a tag. The flag of arrays is moved next to the kinds.
 size_t SlotOf(ValueType type) {
-    constexpr uint8_t scalars[] = {0, 1, 2, 3, 4, 5, 6, 7, 0, 0, 0, 0, 8, 9};
-    constexpr uint8_t arrays[] = {0, 10, 11, 12, 13, 14, 15, 16, 0, 0, 0, 0, 0, 17};
-    CheckType(type);
-    return IsArray(type) ? arrays[ElementType(type)] : scalars[type];
+    constexpr uint8_t no = 0xFF;
+    constexpr uint8_t slots[] = {0,  1,  2,  3,  4,  5,  6,  7,  no, no, no, no, 8,  9,  no, no,
+                                 no, 10, 11, 12, 13, 14, 15, 16, no, no, no, no, no, 17, no, no};
+    constexpr ValueType known = VtArray | 0xF;
+    const uint8_t slot = (type & ~known) == 0 ? slots[(type & 0xF) | (type & VtArray) >> 4] : no;
+    if (slot == no)
+        ThrowHr(TREEVAULT_E_UNSUPPORTED_TYPE);
+    return slot;
 }
 
 constexpr uint64_t FallbackTextSize = 100; // holds the text of any number, VtBool and VtGuid
 
-} // namespace
-
-bool ConvertDirect(const ValueView& source, ValueType target, OutputCursor& out) {
-    const size_t row = SlotOf(source.Type);
-    return Matrix[row][SlotOf(target)](source, out);
-}
-
-bool ConvertWithFallback(const ValueView& source, ValueType target, OutputCursor& out) {
-    if (ConvertDirect(source, target, out))
-        return true;
+// The way through text, for a pair without a conversion of its own.
+[[gnu::noinline]] bool ConvertThroughText(const ValueView& source, ValueType target,
+                                          OutputCursor& out) {
     if (source.Type == VtStringA || target == VtStringA)
         return false;
-    alignas(8) uint8_t shortText[FallbackTextSize];
+    uint8_t shortText[FallbackTextSize];
     OutputCursor text{shortText, sizeof shortText};
     if (!ConvertDirect(source, VtStringA, text))
         return false;
@@ -174,6 +175,17 @@ bool ConvertWithFallback(const ValueView& source, ValueType target, OutputCursor
     text = {longText.get(), size};
     return ConvertDirect(source, VtStringA, text) &&
            ConvertDirect({VtStringA, longText.get(), size}, target, out);
+}
+
+} // namespace
+
+bool ConvertDirect(const ValueView& source, ValueType target, OutputCursor& out) {
+    const size_t row = SlotOf(source.Type);
+    return Matrix[row][SlotOf(target)](source, out);
+}
+
+bool ConvertWithFallback(const ValueView& source, ValueType target, OutputCursor& out) {
+    return ConvertDirect(source, target, out) || ConvertThroughText(source, target, out);
 }
 
 void ConvertValue(const ValueView& source, ValueType target, void* buffer, uint64_t capacity,

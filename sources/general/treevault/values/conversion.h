@@ -5,8 +5,8 @@
 // Raised are 0x80070057 (size above 32 bits), 0x80040203 (unsupported tag), 0x8007000D (bytes that
 // don't fit their tag) and 0x80040204 (text that doesn't parse, or no way from source to target). A
 // buffer may then hold a part of the result.
-#ifndef TREEVAULT_GENERAL_TREEVAULT_VALUES_CONVERSION_H
-#define TREEVAULT_GENERAL_TREEVAULT_VALUES_CONVERSION_H
+#ifndef TREEVAULT_VALUES_CONVERSION_H
+#define TREEVAULT_VALUES_CONVERSION_H
 
 #include "general/treevault/values/outputcursor.h"
 #include "general/treevault/values/values.h"

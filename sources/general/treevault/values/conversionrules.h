@@ -4,8 +4,8 @@
 // rules.
 //
 // Numbers are never range-checked. What cannot be done is raised as 0x80040204.
-#ifndef TREEVAULT_GENERAL_TREEVAULT_VALUES_CONVERSIONRULES_H
-#define TREEVAULT_GENERAL_TREEVAULT_VALUES_CONVERSIONRULES_H
+#ifndef TREEVAULT_VALUES_CONVERSIONRULES_H
+#define TREEVAULT_VALUES_CONVERSIONRULES_H
 
 #include "common/errorhandling.h"
 #include "common/guids.h"

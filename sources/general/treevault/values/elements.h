@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What the conversion engine sees in the bytes of a value: one C++ type for each kind of element,
 // and how an element is taken out of a payload. Numbers are the integer types themselves.
-#ifndef TREEVAULT_GENERAL_TREEVAULT_VALUES_ELEMENTS_H
-#define TREEVAULT_GENERAL_TREEVAULT_VALUES_ELEMENTS_H
+#ifndef TREEVAULT_VALUES_ELEMENTS_H
+#define TREEVAULT_VALUES_ELEMENTS_H
 
 #include "general/treevault/values/values.h"
 #include "platform/widetext.h"
@@ -34,9 +34,33 @@ struct BinaryElement {
     uint64_t Size;
 };
 
-// The tag of an array of elements.
+// An array of elements.
 template <class Element>
 struct ArrayOf {};
+
+// The tag of a kind.
+template <class Type>
+inline constexpr ValueType TagOf = VtEmpty;
+template <>
+inline constexpr ValueType TagOf<NarrowElement> = VtStringA;
+template <>
+inline constexpr ValueType TagOf<WideElement> = VtStringW;
+template <>
+inline constexpr ValueType TagOf<int32_t> = VtInt32;
+template <>
+inline constexpr ValueType TagOf<uint32_t> = VtUInt32;
+template <>
+inline constexpr ValueType TagOf<int64_t> = VtInt64;
+template <>
+inline constexpr ValueType TagOf<uint64_t> = VtUInt64;
+template <>
+inline constexpr ValueType TagOf<BoolByte> = VtBool;
+template <>
+inline constexpr ValueType TagOf<BinaryElement> = VtBinary;
+template <>
+inline constexpr ValueType TagOf<GUID> = VtGuid;
+template <class Element>
+inline constexpr ValueType TagOf<ArrayOf<Element>> = TagOf<Element> | VtArray;
 
 template <class T>
 concept NumberElement = std::same_as<T, int32_t> || std::same_as<T, uint32_t> ||

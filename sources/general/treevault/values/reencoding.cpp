@@ -6,27 +6,39 @@
 #include "general/treevault/values/values.h"
 #include "platform/encoding.h"
 
-#include <algorithm>
 #include <new>
+#include <type_traits>
 
 namespace treevault {
 
 namespace {
 
+constexpr size_t Stride = 16; // units that are looked at or moved together
+
+template <class Char>
+unsigned AllBits(const Char* text, size_t count) noexcept {
+    unsigned bits = 0;
+    for (size_t at = 0; at < count; ++at)
+        bits |= static_cast<std::make_unsigned_t<Char>>(text[at]);
+    return bits;
+}
+
 template <class Char>
 bool IsAscii(std::basic_string_view<Char> text) noexcept {
-    // Without an early end, block by block, so that many units are tested at once.
-    constexpr size_t block = 64;
-    while (!text.empty()) {
-        const size_t count = std::min(block, text.size());
-        unsigned all = 0;
-        for (size_t at = 0; at < count; ++at)
-            all |= static_cast<unsigned>(text[at]);
-        if (all > 0x7F)
+    size_t at = 0;
+    for (; text.size() - at >= Stride; at += Stride) {
+        if (AllBits(text.data() + at, Stride) > 0x7F)
             return false;
-        text.remove_prefix(count);
     }
-    return true;
+    return AllBits(text.data() + at, text.size() - at) <= 0x7F;
+}
+
+template <class To, class From>
+void MoveUnits(uint8_t* place, const From* text, size_t count) noexcept {
+    for (size_t at = 0; at < count; ++at) {
+        const To unit = static_cast<To>(text[at]);
+        std::memcpy(place + at * sizeof(To), &unit, sizeof unit);
+    }
 }
 
 // Gives the place of `units` of the target.
@@ -43,10 +55,10 @@ void WriteAscii(std::basic_string_view<From> text, OutputCursor& out) {
     uint8_t* const place = TakeText<To>(out, text.size());
     if (!place)
         return;
-    for (size_t at = 0; at < text.size(); ++at) {
-        const To unit = static_cast<To>(text[at]);
-        std::memcpy(place + at * sizeof(To), &unit, sizeof unit);
-    }
+    size_t at = 0;
+    for (; text.size() - at >= Stride; at += Stride)
+        MoveUnits<To>(place + at * sizeof(To), text.data() + at, Stride);
+    MoveUnits<To>(place + at * sizeof(To), text.data() + at, text.size() - at);
 }
 
 // `append` encodes into a string of the target.

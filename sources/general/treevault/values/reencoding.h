@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Text from one encoding to the other, by length, terminators and other NULs included.
-#ifndef TREEVAULT_GENERAL_TREEVAULT_VALUES_REENCODING_H
-#define TREEVAULT_GENERAL_TREEVAULT_VALUES_REENCODING_H
+#ifndef TREEVAULT_VALUES_REENCODING_H
+#define TREEVAULT_VALUES_REENCODING_H
 
 #include "general/treevault/values/outputcursor.h"
 #include "platform/widetext.h"

@@ -2,8 +2,8 @@
 // The text forms of numbers, booleans and identifiers. Reading is more tolerant than writing, so a
 // written form always reads back. Narrow and wide forms have the same characters; nothing depends
 // on a locale.
-#ifndef TREEVAULT_GENERAL_TREEVAULT_VALUES_TEXTFORMS_H
-#define TREEVAULT_GENERAL_TREEVAULT_VALUES_TEXTFORMS_H
+#ifndef TREEVAULT_VALUES_TEXTFORMS_H
+#define TREEVAULT_VALUES_TEXTFORMS_H
 
 #include "common/hextext.h"
 #include "common/numbers.h"
@@ -17,21 +17,31 @@ namespace treevault {
 
 // Each writes the characters with their terminator in one write.
 
+inline constexpr size_t NumberTextSize = 21; // a sign, 19 digits, or 20, and a terminator
+
+// Gives the size.
+template <class Integer>
+size_t FormatNumber(Integer value, char* text) noexcept {
+    char* const end = std::to_chars(text, text + NumberTextSize - 1, value).ptr;
+    *end = 0;
+    return static_cast<size_t>(end - text) + 1;
+}
+
 // Decimal, with "-" in front of a negative value.
 template <class Char, class Integer>
 void WriteNumber(Integer value, OutputCursor& out) noexcept {
-    char digits[24];
-    char* const end = std::to_chars(digits, digits + sizeof digits - 1, value).ptr;
-    *end = 0;
-    const auto length = static_cast<size_t>(end - digits) + 1;
     if constexpr (sizeof(Char) == 1) {
-        out.Write(digits, length);
-    } else {
-        Char text[sizeof digits];
-        for (size_t at = 0; at < length; ++at)
-            text[at] = static_cast<Char>(digits[at]);
-        out.Write(text, length * sizeof(Char));
+        if (uint8_t* const room = out.Room(NumberTextSize)) {
+            out.Used += FormatNumber(value, reinterpret_cast<char*>(room));
+            return;
+        }
     }
+    char digits[NumberTextSize] = {};
+    const size_t size = FormatNumber(value, digits);
+    Char text[NumberTextSize];
+    for (size_t at = 0; at < size; ++at)
+        text[at] = static_cast<Char>(digits[at]);
+    out.Write(text, size * sizeof(Char));
 }
 
 // "True" or "False".

@@ -3,10 +3,12 @@
 //
 // A value is a triple of tag, bytes and size. Nothing here looks inside a text or at more than the
 // last element, so that checking costs the same for any length.
-#ifndef TREEVAULT_GENERAL_TREEVAULT_VALUES_VALUES_H
-#define TREEVAULT_GENERAL_TREEVAULT_VALUES_VALUES_H
+#ifndef TREEVAULT_VALUES_VALUES_H
+#define TREEVAULT_VALUES_VALUES_H
 
 #include <treevault/values.h>
+
+#include <cstring>
 
 namespace treevault {
 
@@ -32,6 +34,43 @@ constexpr bool IsSupportedType(ValueType type) noexcept {
     if (element > VtBool && element != VtBinary && element != VtGuid)
         return false;
     return !IsArray(type) || (element != VtEmpty && element != VtBinary);
+}
+
+// Bytes of one element; 0 where that varies.
+constexpr uint64_t ElementSize(ValueType element) noexcept {
+    constexpr uint8_t sizes[] = {0, 0, 0, 4, 4, 8, 8, 1, 0, 0, 0, 0, 0, 16};
+    return sizes[element];
+}
+
+// Whether the last whole code unit of a text is its terminator.
+template <class Char>
+bool IsTerminated(const void* data, uint64_t size) noexcept {
+    if (!data || size < sizeof(Char))
+        return false;
+    const uint64_t index = size / sizeof(Char) - 1;
+    Char last;
+    std::memcpy(&last, static_cast<const char*>(data) + index * sizeof(Char), sizeof(Char));
+    return last == 0;
+}
+
+// Whether the bytes fit a supported tag.
+inline bool HasShape(ValueType type, const void* data, uint64_t size) noexcept {
+    const bool array = IsArray(type);
+    if (array && size == 0)
+        return true;
+    const ValueType element = ElementType(type);
+    switch (element) {
+    case VtEmpty:
+        return size == 0;
+    case VtStringA:
+        return IsTerminated<char>(data, size);
+    case VtStringW:
+        return IsTerminated<WCHAR>(data, size);
+    case VtBinary:
+        return data || size == 0;
+    default:
+        return data && (array ? size % ElementSize(element) == 0 : size == ElementSize(element));
+    }
 }
 
 // Raises 0x80040203 for a tag that is not supported.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The bytes of a value that a node owns: up to 8 inline, more on the heap.
-#ifndef TREEVAULT_GENERAL_TREEVAULT_VALUES_VALUESTORAGE_H
-#define TREEVAULT_GENERAL_TREEVAULT_VALUES_VALUESTORAGE_H
+#ifndef TREEVAULT_VALUES_VALUESTORAGE_H
+#define TREEVAULT_VALUES_VALUESTORAGE_H
 
 #include <cstdint>
 

@@ -35,7 +35,7 @@ struct ByteSink {
 };
 
 constexpr uint8_t NoDigit = 0xFF;
-using DigitTable = std::array<uint8_t, 128>;
+using DigitTable = std::array<uint8_t, 256>;
 
 constexpr DigitTable MakeDigitTable(std::string_view digits) {
     DigitTable table{};
@@ -59,26 +59,29 @@ constexpr DigitTable Base64Table =
 template <class Char>
 uint8_t DigitOf(const DigitTable& table, Char c) noexcept {
     const auto unit = static_cast<std::make_unsigned_t<Char>>(c);
-    return unit < table.size() ? table[unit] : NoDigit;
+    if constexpr (sizeof(Char) > 1) {
+        if (unit >= table.size())
+            return NoDigit;
+    }
+    return table[unit];
 }
 
 template <class Char>
 bool DecodeHex(View<Char> text, ByteSink& sink) noexcept {
-    for (size_t at = 0; at < text.size();) {
-        if (IsSpace(text[at])) {
-            ++at;
-            continue;
-        }
-        if (at + 1 == text.size())
-            return false;
+    size_t at = 0;
+    while (at + 1 < text.size()) {
         const uint8_t high = DigitOf(HexTable, text[at]);
         const uint8_t low = DigitOf(HexTable, text[at + 1]);
-        if ((high | low) > 15)
+        if ((high | low) <= 15) {
+            sink.Put(static_cast<uint32_t>(high << 4 | low));
+            at += 2;
+        } else if (IsSpace(text[at])) {
+            ++at;
+        } else {
             return false;
-        sink.Put(static_cast<uint32_t>(high << 4 | low));
-        at += 2;
+        }
     }
-    return true;
+    return at == text.size() || IsSpace(text[at]);
 }
 
 template <class Char>

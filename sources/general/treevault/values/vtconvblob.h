@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The text form of binaries: "HEX:" and lower-case digits; "HEX:" and "B64:" are read.
-#ifndef TREEVAULT_GENERAL_TREEVAULT_VALUES_VTCONVBLOB_H
-#define TREEVAULT_GENERAL_TREEVAULT_VALUES_VTCONVBLOB_H
+#ifndef TREEVAULT_VALUES_VTCONVBLOB_H
+#define TREEVAULT_VALUES_VTCONVBLOB_H
 
 #include "general/treevault/values/outputcursor.h"
 

@@ -23,10 +23,13 @@ HRESULT CXMLNodeDeserializer::DeserializeNodes(IACNode** nodes, uint64_t count,
             ThrowHr(TREEVAULT_E_CONTEXT_FINISHED);
         std::vector<Ref<CACNodeImpl>> batch;
         while (batch.size() < count) {
-            Ref<CACNodeImpl> node = Reader->ReadNextNode();
-            if (!node)
+            // The place comes first: a tree that was read must not be lost for want of one.
+            batch.emplace_back();
+            batch.back() = Reader->ReadNextNode();
+            if (!batch.back()) {
+                batch.pop_back();
                 break;
-            batch.push_back(std::move(node));
+            }
         }
         // Nothing fails from here on.
         for (size_t index = 0; index < batch.size(); ++index)

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+// Merging of attributes, type and children.
+#include "general/treevault/storage/nodemerge.h"
+
+#include "common/errorhandling.h"
+#include "general/treevault/storage/nodemaking.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace treevault {
+
+void NodeMerge::Apply(const Ref<IACNode>& parent, const Ref<IACNode>& existing,
+                      const Ref<IACNode>& given, ModifyMask* parentFlags) {
+    if (!existing) {
+        Storage.PvtAddNode(parent, given, AlreadyCloned, Group, parentFlags);
+        return;
+    }
+    std::vector<Level> levels;
+    levels.push_back(Meet(existing, given));
+    while (!levels.empty()) {
+        Level& level = levels.back();
+        if (level.NextChild == level.Children.size()) {
+            FinishLevel(level);
+            levels.pop_back();
+            continue;
+        }
+        const Pair child = std::move(level.Children[level.NextChild++]);
+        if (child.Stored)
+            levels.push_back(Meet(child.Stored, child.Given));
+        else
+            Storage.PvtAddNode(level.Existing, child.Given, AlreadyCloned, Group, &level.Flags);
+    }
+}
+
+namespace {
+
+std::vector<Ref<IACNode>> ListChildren(IACNode* node) {
+    size_t count = 0;
+    HRES{node->GetChildCount(&count)};
+    std::vector<Ref<IACNode>> children(count);
+    for (size_t at = 0; at < count; ++at)
+        HRES{node->GetChildByIndex(at, children[at].Put())};
+    return children;
+}
+
+} // namespace
+
+// The attributes are merged at once, the children level by level.
+NodeMerge::Level NodeMerge::Meet(const Ref<IACNode>& existing, const Ref<IACNode>& given) {
+    MergeAttributes(existing, given);
+    Level level;
+    level.Existing = existing;
+    PairChildren(level, given.Get());
+    return level;
+}
+
+// Costs what is given and not what is stored, unless the mode has to look at all of that.
+void NodeMerge::PairChildren(Level& level, IACNode* given) {
+    if (Mode == StoreReplaceAll)
+        for (Ref<IACNode>& child : ListChildren(level.Existing.Get())) {
+            WideText name = ReadName(child.Get());
+            level.Others.emplace(std::move(name), std::move(child));
+        }
+    for (Ref<IACNode>& child : ListChildren(given)) {
+        const WideText name = ReadName(child.Get());
+        Ref<IACNode> stored;
+        if (Mode != StoreReplaceAll)
+            stored = Storage.PvtFindChild(level.Existing.Get(), name);
+        else if (auto entry = level.Others.extract(name))
+            stored = std::move(entry.mapped());
+        level.Children.push_back({std::move(child), std::move(stored)});
+    }
+}
+
+void NodeMerge::FinishLevel(Level& level) {
+    for (const auto& [name, child] : level.Others)
+        Storage.PvtRemoveNode(level.Existing, child, Group, &level.Flags);
+    if (level.Flags != 0)
+        Storage.PvtSignalModified(level.Existing.Get(), level.Existing.Get(), level.Flags, nullptr);
+}
+
+namespace {
+
+// Gives a stored node its old attributes and type back.
+void RestoreAttributes(IACNode* snapshot, IACNode* node, const WideText& oldType) {
+    if (snapshot != node) {
+        HRES{node->DeleteAttribute(nullptr)};
+        RawAttribute value;
+        const WideText names = ReadAttributeNames(snapshot);
+        for (size_t begin = 0; begin < names.size();) {
+            const WideView name(names.c_str() + begin);
+            if (value.Read(snapshot, name.data()))
+                HRES{node->SetAttribute(name.data(), value.Type, value.Buffer.data(), value.Size)};
+            begin += name.size() + 1;
+        }
+    }
+    HRES{node->SetType(oldType.c_str())};
+}
+
+} // namespace
+
+void NodeMerge::EnsureSnapshot(IACNode* existing) {
+    if (!Snapshot)
+        Snapshot = CloneNode(existing, 0);
+}
+
+// What undoes the changes of a node stands before the first of them is made.
+void NodeMerge::BeginChange(IACNode* existing, const WCHAR* name) {
+    EnsureSnapshot(existing);
+    if (ChangedNames.empty()) {
+        const auto stored = Ref<IACNode>::Share(existing);
+        Group.AddUndo(Group.PrepareUndo([snapshot = Snapshot, stored, oldType = OldType] {
+            RestoreAttributes(snapshot.Get(), stored.Get(), oldType);
+        }));
+    }
+    ChangedNames.append(name).push_back(0);
+}
+
+// Equal values are left alone: they cost no copy and no notification.
+void NodeMerge::MergeAttribute(IACNode* existing, IACNode* given, const WCHAR* name) {
+    if (!GivenValue.Read(given, name)) {
+        ValueType type = VtEmpty;
+        const HRESULT hr = existing->GetAttribute(name, nullptr, nullptr, nullptr, &type);
+        if (hr == TREEVAULT_E_NOT_FOUND)
+            return;
+        HRES{hr};
+        BeginChange(existing, name);
+        HRES{existing->DeleteAttribute(name)};
+        return;
+    }
+    if (StoredValue.Read(existing, name) && StoredValue.Type == GivenValue.Type &&
+        StoredValue.Size == GivenValue.Size &&
+        std::memcmp(StoredValue.Buffer.data(), GivenValue.Buffer.data(), GivenValue.Size) == 0)
+        return;
+    BeginChange(existing, name);
+    HRES{existing->SetAttribute(name, GivenValue.Type, GivenValue.Buffer.data(), GivenValue.Size)};
+}
+
+// Merges those attributes of the stored node that the given one lacks, which deletes them.
+void NodeMerge::DeleteOthers(IACNode* existing, IACNode* given, const WideText& givenNames) {
+    std::vector<WideView> kept;
+    ForEachName(givenNames, [&](const WCHAR* name) { kept.emplace_back(name); });
+    std::sort(kept.begin(), kept.end());
+    ForEachName(ReadAttributeNames(existing), [&](const WCHAR* name) {
+        if (!std::binary_search(kept.begin(), kept.end(), WideView(name)))
+            MergeAttribute(existing, given, name);
+    });
+}
+
+void NodeMerge::MergeType(IACNode* existing, const WideText& givenType) {
+    const bool takesAnyType = Mode == StoreReplaceAttributes || Mode == StoreReplaceAll;
+    if (givenType == OldType || (givenType.empty() && !takesAnyType))
+        return;
+    EnsureSnapshot(existing);
+    HRES{existing->SetType(givenType.c_str())};
+}
+
+// A change of type alone is neither undone nor told.
+void NodeMerge::MergeAttributes(const Ref<IACNode>& existing, const Ref<IACNode>& given) {
+    Snapshot.Reset();
+    ChangedNames.clear();
+    OldType = ReadType(existing.Get());
+    const WideText names = Mode == StoreMergeModified ? ReadModifiedAttributeNames(given.Get())
+                                                      : ReadAttributeNames(given.Get());
+    ForEachName(names,
+                [&](const WCHAR* name) { MergeAttribute(existing.Get(), given.Get(), name); });
+    if (ReplacesAttributes())
+        DeleteOthers(existing.Get(), given.Get(), names);
+    MergeType(existing.Get(), ReadType(given.Get()));
+    if (!ChangedNames.empty())
+        Storage.PvtSignalModified(Snapshot.Get(), existing.Get(), ModifyNodeChanged,
+                                  ChangedNames.c_str());
+}
+
+} // namespace treevault

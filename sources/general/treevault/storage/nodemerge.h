@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+// The merging of a given tree into what is stored, by a mode.
+#ifndef TREEVAULT_STORAGE_NODEMERGE_H
+#define TREEVAULT_STORAGE_NODEMERGE_H
+
+#include "general/treevault/storage/memorystorage.h"
+#include "general/treevault/storage/nodereading.h"
+
+#include <map>
+#include <vector>
+
+namespace treevault {
+
+// Lives for one given tree. Descends in a loop, so that the depth of the tree costs no stack.
+class NodeMerge {
+public:
+    NodeMerge(CMemoryStorage& storage, StoreMode mode, bool alreadyCloned,
+              CPendingOperations& group) noexcept
+        : Storage(storage), Mode(mode), AlreadyCloned(alreadyCloned), Group(group) {}
+
+    // Adds, or merges with what exists, whichever is there. `parentFlags` collects what happened to
+    // the parent's list of children.
+    void Apply(const Ref<IACNode>& parent, const Ref<IACNode>& existing, const Ref<IACNode>& given,
+               ModifyMask* parentFlags);
+
+private:
+    // A given child, and the stored one that bore its name when the parents met.
+    struct Pair {
+        Ref<IACNode> Given;
+        Ref<IACNode> Stored;
+    };
+
+    // Two nodes that have met, and how far their children are through.
+    struct Level {
+        Ref<IACNode> Existing;
+        std::vector<Pair> Children;
+        std::map<WideText, Ref<IACNode>> Others; // stored children that are to be removed
+        size_t NextChild = 0;
+        ModifyMask Flags = 0;
+    };
+
+    Level Meet(const Ref<IACNode>& existing, const Ref<IACNode>& given);
+    void PairChildren(Level& level, IACNode* given);
+    void FinishLevel(Level& level);
+
+    void MergeAttributes(const Ref<IACNode>& existing, const Ref<IACNode>& given);
+    void MergeAttribute(IACNode* existing, IACNode* given, const WCHAR* name);
+    void DeleteOthers(IACNode* existing, IACNode* given, const WideText& givenNames);
+    void MergeType(IACNode* existing, const WideText& givenType);
+    void EnsureSnapshot(IACNode* existing);
+    void BeginChange(IACNode* existing, const WCHAR* name);
+    bool ReplacesAttributes() const noexcept {
+        return Mode != StoreMergeAll && Mode != StoreMergeModified;
+    }
+
+    CMemoryStorage& Storage;
+    StoreMode Mode;
+    bool AlreadyCloned;
+    CPendingOperations& Group;
+
+    // Of the pair of nodes at work.
+    Ref<IACNode> Snapshot; // the stored node before its first change
+    WideText OldType;
+    WideText ChangedNames; // each changed attribute with its terminator
+
+    RawAttribute GivenValue;
+    RawAttribute StoredValue;
+};
+
+} // namespace treevault
+
+#endif

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+// Reading of a filter node, selection and hand-out.
+#include "general/treevault/storage/nodesbypathfilter.h"
+
+#include "common/errorhandling.h"
+#include "general/treevault/storage/nodemaking.h"
+#include "general/treevault/storage/nodereading.h"
+
+namespace treevault {
+
+namespace {
+
+constexpr WideView TopPath = TV_W("\\");
+
+// The path is required: a missing one is raised like any other failure.
+WideText ReadNodePath(IACNode* filter) {
+    const ValueType wanted = VtStringW;
+    WideText path(0x80, WCHAR());
+    for (;;) {
+        size_t bytes = path.size() * sizeof(WCHAR);
+        const HRESULT hr =
+            filter->GetAttribute(TV_W("NodePath"), &wanted, path.data(), &bytes, nullptr);
+        if (hr != TREEVAULT_E_INSUFFICIENT_BUFFER) {
+            HRES{hr};
+            path.resize(WideLength(path.c_str()));
+            return path;
+        }
+        path.resize(bytes / sizeof(WCHAR) + 1);
+    }
+}
+
+void CheckPath(const WideText& path) {
+    if (!path.empty() && path.front() == PathSeparator)
+        return;
+    // A bare name would be a search through the whole storage, which there is not.
+    ThrowHr(path.find(PathSeparator) == WideText::npos ? E_NOTIMPL : TREEVAULT_E_STG_BAD_PATH);
+}
+
+} // namespace
+
+CMemoryStorage::CNodesByPathFilter::CNodesByPathFilter(IACNode* filter, bool handOutStored)
+    : HandOutStored(handOutStored), NodePath(ReadNodePath(filter)) {
+    uint8_t isParent = 0;
+    if (ReadOptional(filter, TV_W("IsParent"), VtBool, isParent))
+        IsParent = isParent != 0;
+    int32_t maxDepth = 0;
+    if (ReadOptional(filter, TV_W("MaxDepth"), VtUInt32, maxDepth))
+        MaxDepth = maxDepth;
+    CheckPath(NodePath);
+}
+
+HRESULT CMemoryStorage::CNodesByPathFilter::Lookup(const GUID* iid, void** out) noexcept {
+    return LookupInterface(iid, out, this,
+                           InterfaceEntry{IID_INodeFilter, static_cast<INodeFilter*>(this)});
+}
+
+void CMemoryStorage::CNodesByPathFilter::Prepare(CMemoryStorage& storage) {
+    NodeQueue.clear();
+    if (NodePath == TopPath) {
+        if (!IsParent)
+            ThrowHr(TREEVAULT_E_STG_BAD_PATH); // the place above the roots is no node
+        storage.PvtForEachRoot([&](const NodeRef& root) { NodeQueue.push_back(root); });
+        return;
+    }
+    const NodeRef node = storage.PvtFindNodeByPath(NodePath, false, nullptr);
+    if (!node)
+        return;
+    if (!IsParent) {
+        NodeQueue.push_back(node);
+        return;
+    }
+    size_t count = 0;
+    HRES{node->GetChildCount(&count)};
+    for (size_t at = 0; at < count; ++at) {
+        NodeRef child;
+        HRES{node->GetChildByIndex(at, child.Put())};
+        NodeQueue.push_back(std::move(child));
+    }
+}
+
+void CMemoryStorage::CNodesByPathFilter::GetNext(IACNode** out) {
+    *out = nullptr;
+    if (NodeQueue.empty())
+        return;
+    NodeRef node = std::move(NodeQueue.front());
+    NodeQueue.pop_front();
+    if (!HandOutStored)
+        node = CloneNode(node.Get(), static_cast<uint64_t>(MaxDepth));
+    *out = node.Detach();
+}
+
+} // namespace treevault

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// Filters: what a filter node selects, and the handing out of it.
+#ifndef TREEVAULT_STORAGE_NODESBYPATHFILTER_H
+#define TREEVAULT_STORAGE_NODESBYPATHFILTER_H
+
+#include "general/treevault/storage/memorystorage.h"
+
+#include <deque>
+
+namespace treevault {
+
+inline constexpr GUID IID_INodeFilter = {
+    0x4F5F4FD8, 0x2195, 0x4BC3, {0xBF, 0xD8, 0x78, 0x87, 0xFC, 0x21, 0x19, 0xF1}};
+
+// What a caller holds as a retrieval context. Used from one thread at a time; failures are raised.
+struct INodeFilter : IComponentUnknown {
+    // Selects, anew at each call. The caller holds the storage's lock, of either side.
+    virtual void TREEVAULT_CALL Prepare(CMemoryStorage& storage) = 0;
+
+    // Null at the end.
+    virtual void TREEVAULT_CALL GetNext(IACNode** node) = 0;
+
+protected:
+    ~INodeFilter() = default;
+};
+
+// Selects the node at a path, or the children of that place.
+class CMemoryStorage::CNodesByPathFilter : public ComponentHead, public INodeFilter {
+public:
+    using ComponentHead::AddRef;
+    using ComponentHead::QueryInterface;
+    using ComponentHead::Release;
+
+    CNodesByPathFilter(IACNode* filter, bool handOutStored);
+
+    HRESULT Lookup(const GUID* iid, void** out) noexcept;
+    void TREEVAULT_CALL Prepare(CMemoryStorage& storage) override;
+    void TREEVAULT_CALL GetNext(IACNode** node) override;
+
+protected:
+    ~CNodesByPathFilter() = default;
+
+private:
+    bool HandOutStored; // otherwise clones
+    WideText NodePath;
+    bool IsParent = false;
+    int64_t MaxDepth = -1;
+    std::deque<NodeRef> NodeQueue;
+};
+
+} // namespace treevault
+
+#endif

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// Running and undoing of an operations group.
+#include "general/treevault/storage/pendingoperations.h"
+
+#include "common/errorhandling.h"
+#include "common/functiontrace.h"
+#include "general/treevault/storage/memorystorage.h"
+
+#include <new>
+
+namespace treevault {
+
+HRESULT CPendingOperations::Lookup(const GUID* iid, void** out) noexcept {
+    return LookupInterface(iid, out, this, InterfaceEntry{IID_PendingOperations, this});
+}
+
+void CPendingOperations::Execute() {
+    try {
+        const FunctionTrace trace(TV_W("CPendingOperations::Execute"), SeverityDbg2);
+        for (size_t at = 0; at < Operations.size(); ++at)
+            Operations[at]();
+        Storage.CountRun();
+    } catch (const HRX& failure) {
+        Log(SeverityDbg, [&](WideStream& line) {
+            line << TV_W("CPendingOperations::Execute failed: ");
+            AppendErrorText(line, failure);
+        });
+        Rollback();
+        throw;
+    } catch (...) {
+        Rollback();
+        throw;
+    }
+}
+
+void CPendingOperations::Rollback() {
+    if (UndoList.empty())
+        return;
+    const FunctionTrace trace(TV_W("Rolling the changes back"), SeverityDbg);
+    try {
+        while (!UndoList.empty()) {
+            UndoList.back()();
+            UndoList.pop_back();
+        }
+    } catch (const HRX& failure) {
+        Log(SeverityErr, [&](WideStream& line) {
+            line << TV_W("CPendingOperations::Rollback failed: Rollback failed: ");
+            AppendErrorText(line, failure);
+        });
+        UndoList.clear();
+    } catch (const std::bad_alloc&) {
+        UndoList.clear(); // what caused the rollback goes on
+    }
+}
+
+} // namespace treevault
