@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+// Standard output: buffered, coloured where it is wanted, and checked.
+#ifndef TREEVAULT_PROGRAM_OUTPUT_H
+#define TREEVAULT_PROGRAM_OUTPUT_H
+
+#include <string>
+#include <string_view>
+
+namespace treevault::program {
+
+enum class Colour { Name, Type, Attribute, Value, Remark };
+
+class Output {
+public:
+    explicit Output(bool colours = false) : HasColours(colours) {}
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+
+    void Write(std::string_view text);
+    void Write(Colour colour, std::string_view text);
+
+    // To be called last. This and Write throw DataFailure when standard output takes no more.
+    void Flush();
+
+private:
+    bool HasColours;
+    std::string Pending;
+};
+
+// Whether standard output is to be coloured by itself: it is a terminal, and the variable NO_COLOR
+// is not set or empty.
+bool WantsColours();
+
+} // namespace treevault::program
+
+#endif
