@@ -1,0 +1,51 @@
+# SPDX-License-Identifier: MIT
+# Takes one example document through a command of the program.
+set(document ${CMAKE_CURRENT_LIST_DIR}/${NAME}.xml)
+file(MAKE_DIRECTORY ${OUT})
+
+function(treevault)
+    execute_process(COMMAND ${EMULATOR} ${PROGRAM} ${ARGN}
+        OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE status)
+    if(NOT status EQUAL 0)
+        message(FATAL_ERROR "${ARGN}: exit status ${status}\n${errors}")
+    endif()
+    set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+function(expect_same_files first second)
+    execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${first} ${second}
+        RESULT_VARIABLE status)
+    if(NOT status EQUAL 0)
+        message(FATAL_ERROR "${first} and ${second} differ")
+    endif()
+endfunction()
+
+# What is rewritten once does not change when it is rewritten again in the same form.
+function(expect_fix_point form)
+    set(first ${OUT}/${NAME}${form}.xml)
+    set(second ${OUT}/${NAME}${form}.again)
+    treevault(rewrite ${document} -o ${first} ${ARGN})
+    treevault(rewrite ${first} -o ${second} ${ARGN})
+    expect_same_files(${first} ${second})
+    file(REMOVE ${second})
+endfunction()
+
+if(STEP STREQUAL check)
+    treevault(check ${document})
+    if(NOT output MATCHES "top-level node")
+        message(FATAL_ERROR "check told nothing: ${output}")
+    endif()
+elseif(STEP STREQUAL show)
+    treevault(show ${document})
+    if(NOT output MATCHES "@")
+        message(FATAL_ERROR "no attribute is shown: ${output}")
+    endif()
+    file(WRITE ${OUT}/${NAME}.txt "${output}")
+else()
+    expect_fix_point("")
+    expect_fix_point("-indent" --indent)
+    expect_fix_point("-bom" --bom)
+    expect_fix_point("-no-types" --no-types)
+    expect_fix_point("-all" --indent --bom --full-path)
+    expect_same_files(${OUT}/${NAME}-indent.xml ${EXPECTED}/${NAME}.xml)
+endif()
