@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+// Attributes of one node, which stays in the caches: reading a number by name, as it is and as
+// text, and overwriting values.
+#include "measure.h"
+#include "plainforms.h"
+#include "structtree.h"
+#include "vaulttree.h"
+
+namespace treevault::benchmarks {
+
+namespace {
+
+// The same nodes for all: the root of the workload, without children.
+const Workload& OneNode() {
+    static const Workload workload{10, {DeepWorkload().Nodes.front()}};
+    return workload;
+}
+
+void BM_ReadInt32(benchmark::State& state) {
+    const VaultTree tree(OneNode());
+    const ValueType wanted = VtInt32;
+    for (auto _ : state) {
+        int32_t number = 0;
+        size_t size = sizeof number;
+        Require(AcnGetAttribute(tree.Root, NumberName, &wanted, &number, &size, nullptr));
+        benchmark::DoNotOptimize(number);
+    }
+    CountItems(state, 1);
+}
+
+template <class Tree>
+void BM_ReadInt32Plain(benchmark::State& state) {
+    const Tree tree(OneNode());
+    const Text name = NumberName;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(std::get<int32_t>(*tree.Root->Attributes.Find(name)));
+    CountItems(state, 1);
+}
+
+void BM_ReadInt32AsText(benchmark::State& state) {
+    const VaultTree tree(OneNode());
+    const ValueType wanted = VtStringW;
+    for (auto _ : state) {
+        WCHAR text[16];
+        size_t size = sizeof text;
+        Require(AcnGetAttribute(tree.Root, NumberName, &wanted, text, &size, nullptr));
+        benchmark::DoNotOptimize(text);
+    }
+    CountItems(state, 1);
+}
+
+template <class Tree>
+void BM_ReadInt32AsTextPlain(benchmark::State& state) {
+    const Tree tree(OneNode());
+    const Text name = NumberName;
+    for (auto _ : state) {
+        char narrow[16];
+        WCHAR text[16];
+        const int32_t number = std::get<int32_t>(*tree.Root->Attributes.Find(name));
+        const size_t length = FormatNumber(number, narrow);
+        Widen({narrow, length + 1}, text);
+        benchmark::DoNotOptimize(text);
+    }
+    CountItems(state, 1);
+}
+
+void BM_WriteInt32(benchmark::State& state) {
+    const VaultTree tree(OneNode());
+    int32_t number = 0;
+    for (auto _ : state) {
+        ++number;
+        Require(AcnSetAttribute(tree.Root, NumberName, VtInt32, &number, sizeof number));
+    }
+    CountItems(state, 1);
+}
+
+template <class Tree>
+void BM_WriteInt32Plain(benchmark::State& state) {
+    const Tree tree(OneNode());
+    const Text name = NumberName;
+    int32_t number = 0;
+    for (auto _ : state) {
+        tree.Root->Attributes.Set(name, ++number);
+        benchmark::ClobberMemory();
+    }
+    CountItems(state, 1);
+}
+
+void BM_WriteText(benchmark::State& state) {
+    const VaultTree tree(OneNode());
+    Text title = OneNode().Nodes.front().Title;
+    for (auto _ : state) {
+        ++title[0];
+        Require(AcnSetAttribute(tree.Root, TitleName, VtStringW, title.c_str(),
+                                (title.size() + 1) * sizeof(WCHAR)));
+    }
+    CountItems(state, 1);
+}
+
+template <class Tree>
+void BM_WriteTextPlain(benchmark::State& state) {
+    const Tree tree(OneNode());
+    const Text name = TitleName;
+    Text title = OneNode().Nodes.front().Title;
+    for (auto _ : state) {
+        ++title[0];
+        tree.Root->Attributes.Set(name, title);
+        benchmark::ClobberMemory();
+    }
+    CountItems(state, 1);
+}
+
+} // namespace
+
+#define ATTRIBUTE_BENCHMARK(workload)                                                              \
+    BENCHMARK(workload)->Name(#workload "/treevault");                                             \
+    BENCHMARK_TEMPLATE(workload##Plain, VectorTree)->Name(#workload "/struct_vector");             \
+    BENCHMARK_TEMPLATE(workload##Plain, MapTree)->Name(#workload "/struct_map")
+
+ATTRIBUTE_BENCHMARK(BM_ReadInt32);
+ATTRIBUTE_BENCHMARK(BM_ReadInt32AsText);
+ATTRIBUTE_BENCHMARK(BM_WriteInt32);
+ATTRIBUTE_BENCHMARK(BM_WriteText);
+
+} // namespace treevault::benchmarks
