@@ -1,0 +1,15 @@
+# SPDX-License-Identifier: MIT
+# Every name of the list of exports is called somewhere in the plain C client.
+file(GLOB sources ${FOLDER}/*.c)
+set(text "")
+foreach(source IN LISTS sources)
+    file(READ ${source} content)
+    string(APPEND text "${content}")
+endforeach()
+file(STRINGS ${LIST} lines REGEX "^[A-Za-z]")
+foreach(line IN LISTS lines)
+    string(REGEX REPLACE "^posix +" "" name "${line}")
+    if(NOT text MATCHES "[^A-Za-z_]${name}\\(")
+        message(SEND_ERROR "${name} is not called by the C client")
+    endif()
+endforeach()
