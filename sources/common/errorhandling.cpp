@@ -105,9 +105,14 @@ HRESULT ReportError(HRESULT hr, WideView context) noexcept {
     return hr;
 }
 
-bool IsAdvancedErrorInfoEnabled() {
-    static const bool enabled = GetBooleanSetting(TV_W("Debug"), TV_W("EnableAdvancedErrorInfo"));
-    return enabled;
+bool IsAdvancedErrorInfoEnabled() noexcept {
+    try {
+        static const bool enabled =
+            GetBooleanSetting(TV_W("Debug"), TV_W("EnableAdvancedErrorInfo"));
+        return enabled;
+    } catch (...) {
+        return false; // the next miss asks again
+    }
 }
 
 HRESULT ReportCaught(const HRX& failure) noexcept {

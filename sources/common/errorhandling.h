@@ -69,7 +69,7 @@ HRESULT ReportError(HRESULT hr) noexcept;
 HRESULT ReportError(HRESULT hr, WideView context) noexcept;
 
 // Whether expected misses of nodes set error records too. Read once for the process.
-bool IsAdvancedErrorInfoEnabled();
+bool IsAdvancedErrorInfoEnabled() noexcept;
 
 // The catch of a boundary: sets the record of a failure and returns its code. It raises nothing.
 HRESULT ReportCaught(const HRX& failure) noexcept;

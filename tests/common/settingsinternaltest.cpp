@@ -153,7 +153,7 @@ TEST(SettingsSourceList, PassesSectionAndKeyOn) {
     EXPECT_EQ(WideText(TV_W("<null>/K")), text);
 }
 
-// Asks the list in turn, and takes itself out of it.
+// Takes itself and others out of the list, and asks it in turn.
 struct SelfishSource final : SettingsSource {
     explicit SelfishSource(SettingsSourceList& list) : List(list) {}
     HRESULT GetString(const WCHAR* section, const WCHAR* key, WideText& out) override {
@@ -162,9 +162,12 @@ struct SelfishSource final : SettingsSource {
     }
     HRESULT GetNumber(const WCHAR*, const WCHAR*, uint32_t&) override {
         List.Remove(this);
+        for (SettingsSource* other : Others)
+            List.Remove(other);
         return E_FAIL;
     }
     SettingsSourceList& List;
+    std::vector<SettingsSource*> Others;
 };
 
 TEST(SettingsSourceList, MayBeUsedByASourceThatIsAsked) {
@@ -180,6 +183,21 @@ TEST(SettingsSourceList, MayBeUsedByASourceThatIsAsked) {
     uint32_t number = 0;
     EXPECT_EQ(S_OK, list.GetNumber(nullptr, TV_W("Key"), number));
     EXPECT_EQ(1u, number);
+}
+
+TEST(SettingsSourceList, DoesNotAskWhatASourceTookOut) {
+    SettingsSourceList list;
+    FixedSource first(NotFound), second(S_OK), third(S_OK);
+    SelfishSource selfish(list);
+    selfish.Others = {&second, &third};
+    for (FixedSource* source : {&first, &second, &third})
+        list.Add(source);
+    list.Add(&selfish);
+    uint32_t number = 0;
+    EXPECT_EQ(NotFound, list.GetNumber(nullptr, TV_W("Key"), number));
+    EXPECT_EQ(1, first.Asked);
+    EXPECT_EQ(0, second.Asked);
+    EXPECT_EQ(0, third.Asked);
 }
 
 TEST(SettingsSourceList, RaisesLackOfMemory) {

@@ -37,7 +37,6 @@ void CopyStride(const From* from, To* to) noexcept {
 // one byte.
 size_t IllFormedLength(const unsigned char* at, size_t available) noexcept {
     const unsigned char lead = at[0];
-    const size_t wanted = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
     if (lead < 0xC2 || lead > 0xF4 || available < 2)
         return 1;
     // The second byte excludes overlong forms, surrogates, and what lies beyond U+10FFFF.
@@ -45,8 +44,9 @@ size_t IllFormedLength(const unsigned char* at, size_t available) noexcept {
     const unsigned char high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
     if (at[1] < low || at[1] > high)
         return 1;
+    // The bytes behind end before the sequence would be whole, or it would not be ill-formed.
     size_t length = 2;
-    while (length < wanted && length < available && (at[length] & 0xC0) == 0x80)
+    while (length < available && (at[length] & 0xC0) == 0x80)
         ++length;
     return length;
 }

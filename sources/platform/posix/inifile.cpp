@@ -113,7 +113,7 @@ std::string_view FindValue(std::string_view text, std::string_view section, std:
             if (inside)
                 return {};
             inside = SameName(name, section);
-        } else if (inside && !line.starts_with(';')) {
+        } else if (inside) { // a comment has a ";" in its name, and no key does
             const size_t equals = line.find('=');
             if (SameName(Trim(line.substr(0, equals)), key))
                 return equals == line.npos ? "" : Unquote(Trim(line.substr(equals + 1)));

@@ -64,6 +64,11 @@ TEST(PosixLocalTime, ReachesFromTheEpochToItsEnd) {
     EXPECT_EQ(0u, ToLocalTime(uint64_t{1} << 63).Year);
 }
 
+TEST(PosixLocalTime, BeyondItsEndIsZero) {
+    const Zone zone("XYZ-1");
+    EXPECT_EQ(0u, ToLocalTime(UINT64_MAX).Year);
+}
+
 TEST(PosixLocalTime, BeforeTheEpochIsZero) {
     const Zone zone("XYZ1");
     EXPECT_EQ(0u, ToLocalTime(0).Year);

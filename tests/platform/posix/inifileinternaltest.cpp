@@ -48,6 +48,9 @@ TEST_F(PosixIniFile, LinesMayEndWithACarriageReturn) {
 TEST_F(PosixIniFile, OtherKindsOfFilesAreNotRead) {
     const auto pipe = Folder.Path / "pipe.ini";
     ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
+    EXPECT_EQ("<none>", Read(TextOfPath(pipe))) << "and nobody waits for a writer";
+    std::fstream writer(pipe, std::ios::in | std::ios::out);
+    ASSERT_TRUE(writer << "[Section]\nKey=abc\n" << std::flush);
     EXPECT_EQ("<none>", Read(TextOfPath(pipe)));
     EXPECT_EQ("<none>", Read(WideText(TV_W("/dev/zero"))));
 }

@@ -92,7 +92,7 @@ struct RawAttribute {
             const HRESULT hr = node->GetAttribute(name, nullptr, Buffer.data(), &Size, &Type);
             if (hr == TREEVAULT_E_NOT_FOUND)
                 return false;
-            if (hr != TREEVAULT_E_INSUFFICIENT_BUFFER) {
+            if (hr != TREEVAULT_E_INSUFFICIENT_BUFFER || Size <= Buffer.size()) {
                 HRES{hr};
                 return true;
             }

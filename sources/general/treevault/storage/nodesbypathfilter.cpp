@@ -20,7 +20,7 @@ WideText ReadNodePath(IACNode* filter) {
         size_t bytes = path.size() * sizeof(WCHAR);
         const HRESULT hr =
             filter->GetAttribute(TV_W("NodePath"), &wanted, path.data(), &bytes, nullptr);
-        if (hr != TREEVAULT_E_INSUFFICIENT_BUFFER) {
+        if (hr != TREEVAULT_E_INSUFFICIENT_BUFFER || bytes <= path.size() * sizeof(WCHAR)) {
             HRES{hr};
             path.resize(WideLength(path.c_str()));
             return path;
