@@ -15,7 +15,8 @@ if(WIN32)
 endif()
 if(TREEVAULT_SANITIZE)
     target_compile_options(treevault_compiler INTERFACE
-        -fsanitize=${TREEVAULT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        -fsanitize=${TREEVAULT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+        -fno-sanitize=vptr) # callbacks may come from C, where a table is no C++ object
     target_link_options(treevault_compiler INTERFACE -fsanitize=${TREEVAULT_SANITIZE})
 endif()
 set(CMAKE_CXX_EXTENSIONS OFF)

@@ -27,10 +27,15 @@ bool AsciiAhead(const WCHAR* at) noexcept {
     return ((units[0] | units[1]) & 0xFF80FF80FF80FF80u) == 0;
 }
 
+// Goes through local blocks, which the compiler knows to lie apart.
 template <class From, class To>
 void CopyStride(const From* from, To* to) noexcept {
+    From block[Stride];
+    std::memcpy(block, from, sizeof block);
+    To converted[Stride];
     for (size_t index = 0; index < Stride; ++index)
-        to[index] = static_cast<To>(from[index]);
+        converted[index] = static_cast<To>(block[index]);
+    std::memcpy(to, converted, sizeof converted);
 }
 
 // How many bytes are replaced together: the longest beginning of a well-formed sequence, or else
