@@ -3,7 +3,7 @@
 #include "common/loggerconfig.h"
 
 #include "common/settings.h"
-#include "common/settingtext.h"
+#include "common/settingvalue.h"
 
 namespace treevault {
 
@@ -126,7 +126,7 @@ uint32_t LoggerConfig::ReadMaximumSeverity() {
     WideText setting;
     if (!ReadString(TV_W("MaxSeverity"), setting))
         return SeverityDbg;
-    const WideView name = TrimSpace(setting);
+    const WideText name = TrimSetting(setting);
     for (uint32_t severity = SeverityNone; severity <= SeverityDbg3; ++severity)
         if (EqualsIgnoringCase(name, SeverityName(severity)))
             return severity;
