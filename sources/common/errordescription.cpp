@@ -49,7 +49,8 @@ ErrorDescription::ErrorDescription(HRESULT code, IErrorInfo* record, const WCHAR
     AddFrames(frames, frameCount);
 }
 
-// True for a record of ours. The description of a foreign one becomes the text as a whole.
+// True for a record of ours that could be read. The description of a foreign one becomes the text
+// as a whole.
 bool ErrorDescription::ReadRecord(IErrorInfo* record) {
     OwnedText description;
     if (FAILED(record->GetDescription(description.Put())) || description.View().empty())
@@ -59,11 +60,12 @@ bool ErrorDescription::ReadRecord(IErrorInfo* record) {
         Text = description.View();
         return false;
     }
-    if (Parse(description.View()) == Parsed::OtherCode) {
+    const Parsed parsed = Parse(description.View());
+    if (parsed == Parsed::OtherCode) {
         Text.clear();
         Details.clear();
     }
-    return true;
+    return parsed != Parsed::Nothing;
 }
 
 ErrorDescription::Parsed ErrorDescription::Parse(WideView view) {

@@ -103,7 +103,7 @@ void LoggerConfig::Refresh() {
     detail::MaximumSeverity.store(ReadMaximumSeverity(), std::memory_order_relaxed);
     // 0 stands for never; a refresh at that very tick counts as one a millisecond later.
     const uint32_t now = TickCount();
-    detail::LastSeverityTick.store(now == 0 ? 1 : now, std::memory_order_relaxed);
+    detail::LastSeverityTick.store(now == 0 ? 1 : now, std::memory_order_release);
 }
 
 namespace {

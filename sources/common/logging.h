@@ -77,7 +77,7 @@ void ReadSeverity() noexcept;
 
 // Reads the settings anew when the period has passed.
 inline void RefreshSeverity() noexcept {
-    const uint32_t last = detail::LastSeverityTick.load(std::memory_order_relaxed);
+    const uint32_t last = detail::LastSeverityTick.load(std::memory_order_acquire);
     if (last == 0 || TickCount() - last > detail::RefreshPeriod)
         detail::ReadSeverity();
 }
