@@ -81,12 +81,14 @@ HRESULT TREEVAULT_CALL AcnStartSerialization(uint32_t format, uint32_t flags,
  * of its subtree. Each failure sets a record:
  *   0x80004003  `context`, `nodes` or an entry is null
  *   0x80040207  the context is finished
- *   0x80004005  the node's attributes changed meanwhile
+ *   0x80004002  a node is not one of this library
+ *   what AcnConvertData returns for a value
  * Trees added before the failure stay, and so does the element that was being written. */
 HRESULT TREEVAULT_CALL AcnSerializeNodes(INodeSerializer* context, IACNode** nodes, uint64_t count,
                                          uint64_t depth);
 
-/* Prints the document, hands it to the callback in one call and finishes the context. A failing
+/* Prints the document, hands it to the callback in one call and finishes the context. The callback
+ * must not use the context. A failing
  * callback gives its code, and the call can be made again. 0x80040207 when the context is
  * finished. Both set a record. E_POINTER for a null `context`, without one. */
 HRESULT TREEVAULT_CALL AcnFinalizeSerialization(INodeSerializer* context);

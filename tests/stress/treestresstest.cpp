@@ -42,6 +42,18 @@ TEST_F(TreeStress, TwoRenamesOfOneChildBothSucceed) {
     }
 }
 
+// Neither is a child of the other, so that no order between their locks exists.
+TEST_F(TreeStress, RefusedRemovalsInBothDirectionsDoNotBlock) {
+    const auto end = std::chrono::steady_clock::now() + WorkingTime();
+    const Node one = Create(W("one")), two = Create(W("two"));
+    const auto refuse = [](const Node& parent, const Node& child) {
+        for (int times = 0; times < 1000; ++times)
+            ASSERT_EQ(TREEVAULT_E_NOT_FOUND, AcnRemoveChild(parent, child));
+    };
+    while (std::chrono::steady_clock::now() < end && !HasFailure())
+        RaceOnce({[&] { refuse(one, two); }, [&] { refuse(two, one); }});
+}
+
 TEST_F(TreeStress, RenamesOfOneChildWhileOthersLookItUp) {
     const Node root = Create(W("r")), child = AddNew(root, W("a"));
     const Node below = AddNew(child, W("below"));

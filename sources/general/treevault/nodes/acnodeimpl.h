@@ -95,6 +95,7 @@ private:
     HRESULT PvtListNames(WCHAR* buffer, size_t* size, uint16_t mask) const;
     std::span<AttributeEntry> PvtRange(const WCHAR* name) const noexcept;
     HRESULT PvtMiss(HRESULT hr, const WCHAR* key, const WCHAR* value) noexcept;
+    HRESULT PvtIndexMiss(uint64_t index);
 
     AttributeTable Attributes; // none if no attribute was ever set or all were deleted at once
     WideString TypeName;

@@ -65,9 +65,6 @@ HRESULT CACNodeImpl::SetName(NodeNameKind kind, const WCHAR* name) {
         const FunctionTrace trace(TV_W("CACNodeImpl::SetName"));
         const WideView text = name ? WideView(name) : WideView();
         while (!PvtTrySetName(kind, text)) {
-            Log(SeverityDbg, [](WideStream& line) {
-                line << TV_W("DBG: Retrying to change the name (parent changed)");
-            });
         }
     });
 }
@@ -86,7 +83,12 @@ bool CACNodeImpl::PvtTrySetName(NodeNameKind kind, WideView name) {
         return true;
     }
     guard.Leave();
-    return parent->PvtRenameChild(this, path->Name);
+    if (parent->PvtRenameChild(this, path->Name))
+        return true;
+    Log(SeverityDbg, [](WideStream& line) {
+        line << TV_W("DBG: Retrying to change the name (parent changed)");
+    });
+    return false;
 }
 
 bool CACNodeImpl::PvtRenameChild(CACNodeImpl* child, const WideString& newName) {

@@ -32,12 +32,6 @@ void LogNotFound(const WriteName& writeName) {
     });
 }
 
-WideText IndexText(uint64_t index) {
-    WideStream text;
-    text << index;
-    return std::move(text.Str());
-}
-
 } // namespace
 
 // Takes two references to the child, one for each list. Raises 0x80040206 if the name is taken;
@@ -81,11 +75,12 @@ HRESULT CACNodeImpl::AddChild(IACNode* child) {
 void CACNodeImpl::PvtAdoptClaimed(CACNodeImpl* child) {
     // From here on the child's name cannot change under us: a rename sees the parent and waits.
     const WideString name = child->GetPathLink()->Name;
+    if (ChildrenByName.Find(name)) {
+        child->ClearParent();
+        PvtMiss(TREEVAULT_E_CHILD_EXISTS, TV_W("Child"), name.CStr());
+        ThrowHr(TREEVAULT_E_CHILD_EXISTS);
+    }
     try {
-        if (ChildrenByName.Find(name)) {
-            PvtMiss(TREEVAULT_E_CHILD_EXISTS, TV_W("Child"), name.CStr());
-            ThrowHr(TREEVAULT_E_CHILD_EXISTS);
-        }
         PvtInsertChild(child, name);
     } catch (...) {
         child->ClearParent();
@@ -105,9 +100,11 @@ HRESULT CACNodeImpl::RemoveChild(IACNode* child) {
         LogChild(child);
         CheckOutPointer(child);
         Ref<CACNodeImpl> impl;
-        const LockGuard guard(Lock);
+        LockGuard guard(Lock);
         impl = GetImpl(child);
         if (impl->Parent.load() != this) {
+            // Whose child it is nobody knows here: its lock must not be asked for under this one.
+            guard.Leave();
             const WideString name = impl->GetPathLink()->Name;
             LogNotFound([&](WideStream& line) {
                 line << TV_W("RemoveChild('") << name.View() << TV_W("')");
@@ -118,6 +115,14 @@ HRESULT CACNodeImpl::RemoveChild(IACNode* child) {
         PvtEraseChild(static_cast<size_t>(found - Children.begin()));
         return S_OK;
     });
+}
+
+HRESULT CACNodeImpl::PvtIndexMiss(uint64_t index) {
+    if (!IsAdvancedErrorInfoEnabled())
+        return TREEVAULT_E_NOT_FOUND;
+    WideStream text;
+    text << index;
+    return PvtMiss(TREEVAULT_E_NOT_FOUND, TV_W("ChildIndex"), text.Str().c_str());
 }
 
 HRESULT CACNodeImpl::RemoveChildByIndex(uint64_t index) {
@@ -131,7 +136,7 @@ HRESULT CACNodeImpl::RemoveChildByIndex(uint64_t index) {
         const LockGuard guard(Lock);
         if (index >= Children.size()) {
             LogNotFound(writeName);
-            return PvtMiss(TREEVAULT_E_NOT_FOUND, TV_W("ChildIndex"), IndexText(index).c_str());
+            return PvtIndexMiss(index);
         }
         child = Ref<CACNodeImpl>::Share(Children[index]);
         LogChild(static_cast<IACNode*>(child.Get()));
@@ -159,7 +164,7 @@ HRESULT CACNodeImpl::GetChildByIndex(uint64_t index, IACNode** child) {
         const LockGuard guard(Lock);
         if (index >= Children.size()) {
             LogNotFound(writeName);
-            return PvtMiss(TREEVAULT_E_NOT_FOUND, TV_W("ChildIndex"), IndexText(index).c_str());
+            return PvtIndexMiss(index);
         }
         *child = Ref<CACNodeImpl>::Share(Children[index]).Detach();
         LogChild(*child);

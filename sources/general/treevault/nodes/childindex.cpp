@@ -34,7 +34,8 @@ CACNodeImpl* ChildIndex::Find(WideView name) const noexcept {
 void ChildIndex::Split(size_t at) {
     Page upper;
     upper.reserve(PageLimit);
-    Pages->reserve(Pages->size() + 1);
+    if (Pages->size() == Pages->capacity())
+        Pages->reserve(2 * Pages->size());
     Page& page = (*Pages)[at];
     const auto middle = page.begin() + PageLimit / 2;
     upper.assign(std::make_move_iterator(middle), std::make_move_iterator(page.end()));
