@@ -4,6 +4,7 @@
 #define TREEVAULT_PLATFORM_READERWRITERLOCK_H
 
 #include "platform/addresswait.h"
+#include "platform/lockorder.h"
 
 #include <atomic>
 #include <cstdint>
@@ -16,6 +17,7 @@ namespace treevault {
 class ReaderWriterLock {
 public:
     ReaderWriterLock() = default;
+    ~ReaderWriterLock() { NoteDestroyed(this); }
     ReaderWriterLock(const ReaderWriterLock&) = delete;
     ReaderWriterLock& operator=(const ReaderWriterLock&) = delete;
 
@@ -26,11 +28,13 @@ public:
                 seen = Sleep(seen);
             else if (State.compare_exchange_weak(seen, seen + 1, std::memory_order_acquire,
                                                  std::memory_order_relaxed))
-                return;
+                break;
         }
+        NoteEntered(this);
     }
 
     void LeaveShared() noexcept {
+        NoteLeaving(this);
         // The last reader in front of a writer lets it in.
         const uint32_t before = State.fetch_sub(1, std::memory_order_release);
         if ((before & Sleepers) && (before & Readers) == 1)
@@ -42,9 +46,11 @@ public:
         uint32_t seen = State.fetch_or(Writer, std::memory_order_acquire);
         while (seen & Readers)
             seen = Sleep(seen | Writer);
+        NoteEntered(this);
     }
 
     void LeaveExclusive() noexcept {
+        NoteLeaving(this);
         if (State.exchange(0, std::memory_order_release) & Sleepers)
             WakeAll(State);
         Writers.unlock();

@@ -4,6 +4,7 @@
 #define TREEVAULT_PLATFORM_RECURSIVELOCK_H
 
 #include "platform/addresswait.h"
+#include "platform/lockorder.h"
 #include "platform/process.h"
 
 #include <atomic>
@@ -20,16 +21,18 @@ public:
     void Enter() noexcept {
         const uint32_t self = CurrentThreadId();
         uint32_t seen = 0;
-        if (Owner.compare_exchange_strong(seen, self, std::memory_order_acquire,
-                                          std::memory_order_relaxed))
-            return;
-        if ((seen & ~Contended) == self)
-            ++Depth;
-        else
-            EnterContended(self);
+        if (!Owner.compare_exchange_strong(seen, self, std::memory_order_acquire,
+                                           std::memory_order_relaxed)) {
+            if ((seen & ~Contended) == self)
+                ++Depth;
+            else
+                EnterContended(self);
+        }
+        NodeLocksOrder::NoteEntered();
     }
 
     void Leave() noexcept {
+        NodeLocksOrder::NoteLeaving();
         if (Depth != 0)
             --Depth;
         else if (Owner.exchange(0, std::memory_order_release) & Contended)

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+// Batches taken from a retrieval context while the selected nodes change and go.
+#include "threads.h"
+
+#include "support/storage.h"
+
+namespace treevault::tests {
+namespace {
+
+// A retrieval whose nodes come in batches.
+class Batches {
+public:
+    Batches(INodeStorage* storage, IACNode* filter) {
+        IACNode* none[1] = {};
+        EXPECT_TRUE(Succeeds(StgRetrieveData, storage, filter, &Context, none, 0, nullptr));
+    }
+    ~Batches() { StgCloseRetrivalContext(nullptr, Context); }
+    Batches(const Batches&) = delete;
+    Batches& operator=(const Batches&) = delete;
+
+    Nodes Next(INodeStorage* storage, size_t most) {
+        std::vector<IACNode*> handles(most);
+        uint64_t count = 0;
+        EXPECT_EQ(CodeText(S_OK),
+                  CodeText(StgRetrieveNextData(storage, Context, handles.data(), most, &count)));
+        Nodes nodes;
+        for (size_t at = 0; at < count; ++at)
+            nodes.emplace_back(handles[at]);
+        return nodes;
+    }
+
+private:
+    IRetrievalContext* Context = nullptr;
+};
+
+constexpr size_t NodeCount = 8;
+
+// Each node has one attribute, of letters that are all the same, and some children.
+std::string NodeText(const std::string& name, char letter, size_t length) {
+    std::string text = name + "{t='" + std::string(length, letter) + "'}(";
+    for (size_t at = 0; at < length; ++at)
+        text += letter + std::to_string(at) + ' ';
+    text.back() = ')';
+    return text;
+}
+
+std::string RandomForest(Choices& choices) {
+    std::string text = "r(";
+    for (size_t at = 0; at < NodeCount; ++at)
+        text += NodeText("c" + std::to_string(at), static_cast<char>('a' + choices.Below(3)),
+                         1 + choices.Below(9)) +
+                ' ';
+    text.back() = ')';
+    return text;
+}
+
+void ExpectWhole(IACNode* clone) {
+    ExpectChildrenInStep(clone);
+    EXPECT_EQ(nullptr, Parent(clone).Get());
+    const std::string text = ShowValue(Get(clone, W("t")));
+    ASSERT_LT(2u, text.size());
+    EXPECT_EQ(text, '\'' + std::string(text.size() - 2, text[1]) + '\'');
+}
+
+class RetrievalStress : public NodeTest {
+protected:
+    RetrievalStress() {
+        Choices choices(99);
+        EXPECT_EQ(S_OK, Subject.Store(StoreMergeAll, RandomForest(choices)));
+    }
+
+    // Selects, and takes all in batches of a random size.
+    void ReadInBatches(Choices& choices) {
+        const Node filter = choices.Below(2) ? Filter("/r", Select::Children)
+                                             : FilterToDepth("/r", 1, Select::Children);
+        Batches batches(Subject, filter);
+        std::vector<std::string> names;
+        const size_t most = 1 + choices.Below(4);
+        for (;;) {
+            const Nodes batch = batches.Next(Subject, most);
+            for (const Node& node : batch) {
+                ExpectWhole(node);
+                names.push_back(Plain(Name(node)));
+            }
+            if (batch.size() < most)
+                break;
+        }
+        std::sort(names.begin(), names.end());
+        EXPECT_EQ((std::vector<std::string>{"c0", "c1", "c2", "c3", "c4", "c5", "c6", "c7"}),
+                  names);
+        EXPECT_EQ(0u, batches.Next(Subject, most).size());
+    }
+
+    Storage Subject;
+};
+
+TEST_F(RetrievalStress, SelectedNodesAreMerged) {
+    const Work write = [&](Choices& choices) {
+        EXPECT_EQ(S_OK, Subject.Store(choices.Below(2) ? StoreReplaceAll : StoreMergeAll,
+                                      RandomForest(choices)));
+    };
+    const Work read = [&](Choices& choices) { ReadInBatches(choices); };
+    WorkTogether({write, write, read, read});
+}
+
+TEST_F(RetrievalStress, SelectedNodesAreDeletedAndMadeAnew) {
+    const Work write = [&](Choices& choices) {
+        Group group(Subject);
+        if (choices.Below(2))
+            group.Delete("/r", Select::Children);
+        else
+            group.Delete("/r");
+        EXPECT_EQ(S_OK, group.Store(StoreMergeAll, RandomForest(choices)).Finish());
+    };
+    const Work read = [&](Choices& choices) { ReadInBatches(choices); };
+    WorkTogether({write, write, read, read});
+}
+
+TEST_F(RetrievalStress, ChildrenOfSelectedNodesComeAndGo) {
+    const Work write = [&](Choices& choices) {
+        const std::string child = "/r/c" + std::to_string(choices.Below(NodeCount)) + "/d";
+        EXPECT_EQ(S_OK, Subject.Store(StoreMergeAll, child + "(e(f g) h)"));
+        EXPECT_EQ(S_OK, Subject.Delete(choices.Below(2) ? child : child + "/e"));
+    };
+    const Work read = [&](Choices& choices) { ReadInBatches(choices); };
+    WorkTogether({write, write, read, read});
+}
+
+// The selected nodes live on in the context; any storage hands them out.
+TEST_F(RetrievalStress, StorageDiesWhileItsNodesAreHandedOut) {
+    const auto end = std::chrono::steady_clock::now() + WorkingTime();
+    Choices choices(1);
+    while (std::chrono::steady_clock::now() < end && !HasFailure()) {
+        Storage dying(RandomForest(choices));
+        Batches batches(dying, Filter("/r", Select::Children));
+        RaceOnce({[&] { dying.Close(); },
+                  [&] {
+                      for (size_t taken = 0; taken < NodeCount; taken += 2) {
+                          const Nodes batch = batches.Next(Subject, 2);
+                          ASSERT_EQ(2u, batch.size());
+                          for (const Node& node : batch)
+                              ExpectWhole(node);
+                      }
+                  }});
+        EXPECT_EQ(0u, batches.Next(Subject, 2).size());
+    }
+}
+
+} // namespace
+} // namespace treevault::tests
