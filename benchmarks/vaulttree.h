@@ -19,6 +19,15 @@ inline void Require(HRESULT hr) {
     }
 }
 
+// The four attributes of every node.
+inline void SetAttributes(IACNode* node, const NodeData& data) {
+    Require(AcnSetAttribute(node, NumberName, VtInt32, &data.Number, sizeof data.Number));
+    Require(AcnSetAttribute(node, TitleName, VtStringW, data.Title.c_str(),
+                            (data.Title.size() + 1) * sizeof(WCHAR)));
+    Require(AcnSetAttribute(node, GuidName, VtGuid, &data.Id, sizeof data.Id));
+    Require(AcnSetAttribute(node, StampName, VtUInt64, &data.Stamp, sizeof data.Stamp));
+}
+
 class VaultTree {
 public:
     explicit VaultTree(const Workload& workload) : Root(Build(workload, 0, nullptr)) {}
@@ -39,14 +48,6 @@ public:
     IACNode* Root;
 
 private:
-    static void SetAttributes(IACNode* node, const NodeData& data) {
-        Require(AcnSetAttribute(node, NumberName, VtInt32, &data.Number, sizeof data.Number));
-        Require(AcnSetAttribute(node, TitleName, VtStringW, data.Title.c_str(),
-                                (data.Title.size() + 1) * sizeof(WCHAR)));
-        Require(AcnSetAttribute(node, GuidName, VtGuid, &data.Id, sizeof data.Id));
-        Require(AcnSetAttribute(node, StampName, VtUInt64, &data.Stamp, sizeof data.Stamp));
-    }
-
     // Gives the handle of the root; the others are closed as soon as they are not needed.
     static IACNode* Build(const Workload& workload, size_t index, IACNode* parent) {
         const NodeData& data = workload.Nodes[index];

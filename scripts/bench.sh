@@ -7,20 +7,27 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh linux
-cmake --preset benchmark >/dev/null
-cmake --build --preset benchmark >/dev/null
-
 results=build/benchmark/results
 mkdir -p "$results"
 rm -f "$results"/*.json
-for program in treevault_benchmarks treevault_internal_benchmarks; do
-    # A filter may leave one of the programs without a benchmark.
-    build/benchmark/bin/$program \
+
+# Silent unless it fails.
+run() { # LOG COMMAND...
+    "${@:2}" >"$1" 2>&1 || { cat "$1" >&2; exit 1; }
+}
+
+run "$results/build.log" cmake --preset benchmark
+run "$results/build.log" cmake --build --preset benchmark
+
+programs=(treevault_benchmarks treevault_storage_benchmarks treevault_internal_benchmarks)
+for program in "${programs[@]}"; do
+    # A filter may leave programs without a benchmark.
+    run "$results/$program.log" build/benchmark/bin/$program \
         --benchmark_repetitions="${BENCH_REPETITIONS:-5}" \
         --benchmark_enable_random_interleaving=true \
         --benchmark_report_aggregates_only=true \
         --benchmark_out="$results/$program.json" --benchmark_out_format=json \
-        "$@" >"$results/$program.log" 2>&1 || { cat "$results/$program.log" >&2; exit 1; }
+        "$@"
 done
 
 # Medians in the order of the sources, one a line: name, items in a second, bytes for each node.
@@ -41,8 +48,9 @@ medians() { # NUMBER FILE
 
 # The names are BM_<workload>/<who>, with arguments and marks of the measurement behind.
 {
-    medians 1 "$results/treevault_benchmarks.json"
-    medians 2 "$results/treevault_internal_benchmarks.json"
+    for number in "${!programs[@]}"; do
+        medians "$number" "$results/${programs[number]}.json"
+    done
 } | awk '
     function note(workload, who, value) {
         if (!(workload in references)) { order[++count] = workload; references[workload] = "" }
@@ -59,7 +67,7 @@ medians() { # NUMBER FILE
         parts = split($4, part, "/")
         workload = substr(part[1], 4)
         for (i = 3; i <= parts; ++i)
-            if (part[i] ~ /^[0-9]+$/) workload = workload "/" part[i]
+            if (part[i] ~ /^(threads:)?[0-9]+$/) workload = workload "/" part[i]
         note(workload, part[2], 1e9 / $5)
         if ($6 > 0) note(workload " memory", part[2], $6)
     }

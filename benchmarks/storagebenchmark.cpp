@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: MIT
+// Storages of 111,111 nodes: one node at a time or a thousand as one group, told to no, one or four
+// observers, and retrieval on several threads. Every change really changes all four attributes.
+#include "measure.h"
+#include "sqlitestore.h"
+#include "undologstore.h"
+#include "vaultstore.h"
+
+namespace treevault::benchmarks {
+
+namespace {
+
+constexpr size_t GroupSize = 1000;
+
+// One for all benchmarks, as filling it takes longer than most of them. What they change, they
+// leave with values of the same kind and at the same paths.
+template <class Store>
+Store& Shared() {
+    static Store store;
+    return store;
+}
+
+// The order goes on from one benchmark to the next, so that no value is given twice.
+template <class Store>
+LeafOrder& SharedOrder() {
+    static LeafOrder order;
+    return order;
+}
+
+template <class Store>
+Store& ObservedStore(benchmark::State& state) {
+    Store& store = Shared<Store>();
+    store.Observe(static_cast<size_t>(state.range(0)));
+    return store;
+}
+
+// Counts the items of a benchmark, each of which all observers must have been told of once.
+template <class Store>
+void Finish(benchmark::State& state, Store& store, size_t itemsInIteration) {
+    CountItems(state, itemsInIteration);
+    const auto items = static_cast<uint64_t>(state.iterations()) * itemsInIteration;
+    if (store.Told() != items * static_cast<uint64_t>(state.range(0)))
+        state.SkipWithError("observers were told of another number of changes");
+    store.Observe(0);
+}
+
+template <class Store>
+void CheckNumber(benchmark::State& state, Store& store, const StoredNode& place, int32_t wanted) {
+    if (store.NumberAt(place) != wanted)
+        state.SkipWithError("a node does not hold what it should");
+}
+
+// --- One node as a group of its own --------------------------------------------------------------
+
+template <class Store>
+void BM_UpsertNode(benchmark::State& state) {
+    Store& store = ObservedStore<Store>(state);
+    LeafOrder& order = SharedOrder<Store>();
+    for (auto _ : state) {
+        order.Next();
+        store.Upsert(order.Place(), order.Values());
+    }
+    CheckNumber(state, store, order.Place(), order.Values().Data->Number);
+    Finish(state, store, 1);
+}
+
+// A thousand nodes, each a group of its own, are timed together; they are added again before the
+// next.
+template <class Store>
+void BM_DeleteNode(benchmark::State& state) {
+    Store& store = ObservedStore<Store>(state);
+    LeafOrder& order = SharedOrder<Store>();
+    for (auto _ : state) {
+        LeafOrder again = order;
+        const Stopwatch watch;
+        for (size_t left = GroupSize; left > 0; --left) {
+            order.Next();
+            store.Delete(order.Place());
+        }
+        state.SetIterationTime(watch.Seconds());
+        store.Begin();
+        for (size_t left = GroupSize; left > 0; --left) {
+            again.Next();
+            store.Add(again.Place(), again.Values());
+        }
+        store.Commit();
+    }
+    CheckNumber(state, store, order.Place(), order.Values().Data->Number);
+    Finish(state, store, GroupSize);
+}
+
+// --- A thousand nodes as one group ---------------------------------------------------------------
+
+template <class Store>
+void AddGroup(Store& store, LeafOrder& order) {
+    store.Begin();
+    for (size_t left = GroupSize; left > 0; --left) {
+        order.Next();
+        store.Add(order.Place(), order.Values());
+    }
+}
+
+template <class Store>
+void BM_UpsertGroup(benchmark::State& state) {
+    Store& store = ObservedStore<Store>(state);
+    LeafOrder& order = SharedOrder<Store>();
+    for (auto _ : state) {
+        AddGroup(store, order);
+        store.Commit();
+    }
+    CheckNumber(state, store, order.Place(), order.Values().Data->Number);
+    Finish(state, store, GroupSize);
+}
+
+// The nodes change and change back. The last one must hold what it held before.
+template <class Store>
+void BM_UndoGroup(benchmark::State& state) {
+    Store& store = ObservedStore<Store>(state);
+    LeafOrder& order = SharedOrder<Store>();
+    LeafOrder first = order;
+    first.Next();
+    const int32_t before = store.NumberAt(first.Place());
+    for (auto _ : state) {
+        AddGroup(store, order);
+        store.Rollback();
+    }
+    CheckNumber(state, store, first.Place(), before);
+    Finish(state, store, GroupSize);
+}
+
+// --- Retrieval -----------------------------------------------------------------------------------
+
+// Threads begin far from each other. Elapsed time counts: it is what more threads are to save.
+template <class Store>
+void BM_RetrieveNode(benchmark::State& state) {
+    typename Store::Reader reader(Shared<Store>());
+    LeafOrder order(static_cast<size_t>(state.thread_index()) * 25000);
+    for (auto _ : state) {
+        order.Next();
+        reader.Retrieve(order.Place());
+    }
+    CountItems(state, 1);
+}
+
+// The numbers of observers.
+void Observed(benchmark::internal::Benchmark* benchmark) {
+    benchmark->Arg(0)->Arg(1)->Arg(4);
+}
+
+void Threaded(benchmark::internal::Benchmark* benchmark) {
+    benchmark->UseRealTime()->Threads(1)->Threads(2)->Threads(4);
+}
+
+} // namespace
+
+#define UPSERT_BENCHMARK(workload)                                                                 \
+    BENCHMARK_TEMPLATE(workload, VaultStore)->Name(#workload "/treevault")->Apply(Observed);       \
+    BENCHMARK_TEMPLATE(workload, SqliteStore)->Name(#workload "/sqlite")->Apply(Observed);         \
+    BENCHMARK_TEMPLATE(workload, SqliteStoreWithoutRowIds)                                         \
+        ->Name(#workload "/sqlite_without_rowids")                                                 \
+        ->Arg(0);                                                                                  \
+    BENCHMARK_TEMPLATE(workload, UndoLogStore)->Name(#workload "/undo_log")->Apply(Observed)
+
+UPSERT_BENCHMARK(BM_UpsertNode);
+UPSERT_BENCHMARK(BM_UpsertGroup);
+UPSERT_BENCHMARK(BM_UndoGroup);
+
+BENCHMARK_TEMPLATE(BM_DeleteNode, VaultStore)
+    ->Name("BM_DeleteNode/treevault")
+    ->Apply(Observed)
+    ->UseManualTime();
+BENCHMARK_TEMPLATE(BM_DeleteNode, SqliteStore)
+    ->Name("BM_DeleteNode/sqlite")
+    ->Apply(Observed)
+    ->UseManualTime();
+BENCHMARK_TEMPLATE(BM_DeleteNode, SqliteStoreWithoutRowIds)
+    ->Name("BM_DeleteNode/sqlite_without_rowids")
+    ->Arg(0)
+    ->UseManualTime();
+
+BENCHMARK_TEMPLATE(BM_RetrieveNode, VaultStore)->Name("BM_RetrieveNode/treevault")->Apply(Threaded);
+BENCHMARK_TEMPLATE(BM_RetrieveNode, SqliteSharedStore)
+    ->Name("BM_RetrieveNode/sqlite_without_rowids")
+    ->Apply(Threaded);
+
+} // namespace treevault::benchmarks

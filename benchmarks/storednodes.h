@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+// What the storages of the benchmarks hold: the nodes of the deep workload, each with its path, in
+// the encodings that the stores take.
+#ifndef TREEVAULT_BENCHMARKS_STOREDNODES_H
+#define TREEVAULT_BENCHMARKS_STOREDNODES_H
+
+#include "workload.h"
+
+#include <span>
+
+namespace treevault::benchmarks {
+
+struct StoredNode {
+    const NodeData* Data;
+    Text Path;
+    std::string NarrowPath;
+    std::string NarrowType;
+    std::string NarrowTitle;
+};
+
+// All of them, parents first.
+const std::vector<StoredNode>& StoredNodes();
+
+// The 100,000 without children, which benchmarks change.
+inline std::span<const StoredNode> StoredLeaves() {
+    return std::span(StoredNodes()).last(100000);
+}
+
+// The leaves in a random order, again and again, each time around in another order: what a store
+// moved together when it changed it together is not met together again. Each time around a leaf is
+// given the values of another one, so that all four attributes differ from what it holds.
+class LeafOrder {
+public:
+    explicit LeafOrder(size_t start = 0);
+
+    void Next() {
+        At = (At + Step) % Count;
+        if (++Given == Count) {
+            Given = 0;
+            ++Shift;
+            Step = Step * Stride % Count;
+        }
+    }
+    const StoredNode& Place() const { return Leaf(0); }
+    const StoredNode& Values() const { return Leaf(Shift); }
+
+private:
+    // Has no factor in common with the number of leaves, nor have its powers.
+    static constexpr size_t Stride = 61803;
+
+    const StoredNode& Leaf(size_t shift) const;
+
+    size_t Count;
+    size_t At;
+    size_t Step = 1;
+    size_t Given = 0;
+    size_t Shift = 1;
+};
+
+} // namespace treevault::benchmarks
+
+#endif
