@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: MIT
+// Nodes of another module where a storage calls them itself: as configurations that fail or call
+// back, and as roots, whose clones are handed out batch by batch.
+#include "support/storage.h"
+
+#include <chrono>
+#include <future>
+
+namespace treevault::tests {
+namespace {
+
+// Passes reads on to a node of the library; clones are as told.
+class OutsiderNode final : public IACNode {
+public:
+    explicit OutsiderNode(const Node& target) : Target(target) {}
+
+    HRESULT TypeResult = S_OK, ValueResult = S_OK, CloneResult = S_OK; // failures of these reads
+    IACNode* CloneGiven = nullptr;                                     // in place of a real clone
+    std::function<void()> OnRead, OnClone;
+    uint32_t References = 1;
+
+    uint32_t TREEVAULT_CALL AddRef() override { return ++References; }
+    uint32_t TREEVAULT_CALL Release() override { return --References; }
+    HRESULT TREEVAULT_CALL QueryInterface(const GUID*, void**) override { return E_NOINTERFACE; }
+    HRESULT TREEVAULT_CALL GetName(NodeNameKind kind, WCHAR* buffer, size_t* size) override {
+        return Target->GetName(kind, buffer, size);
+    }
+    HRESULT TREEVAULT_CALL SetName(NodeNameKind, const WCHAR*) override { return E_NOTIMPL; }
+    HRESULT TREEVAULT_CALL GetType(WCHAR* buffer, size_t* size) override {
+        return Target->GetType(buffer, size);
+    }
+    HRESULT TREEVAULT_CALL SetType(const WCHAR*) override { return E_NOTIMPL; }
+    HRESULT TREEVAULT_CALL SetAttribute(const WCHAR*, ValueType, const void*, size_t) override {
+        return E_NOTIMPL;
+    }
+    HRESULT TREEVAULT_CALL DeleteAttribute(const WCHAR*) override { return E_NOTIMPL; }
+    HRESULT TREEVAULT_CALL GetAttribute(const WCHAR* name, const ValueType* wanted, void* buffer,
+                                        size_t* size, ValueType* stored) override {
+        if (OnRead)
+            OnRead();
+        const HRESULT result = size ? ValueResult : TypeResult;
+        return FAILED(result) ? result : Target->GetAttribute(name, wanted, buffer, size, stored);
+    }
+    HRESULT TREEVAULT_CALL GetAttributeNames(WCHAR* buffer, size_t* size) override {
+        return Target->GetAttributeNames(buffer, size);
+    }
+    HRESULT TREEVAULT_CALL SetModifiedState(const WCHAR*, uint32_t) override { return E_NOTIMPL; }
+    HRESULT TREEVAULT_CALL GetModifiedState(const WCHAR*, uint32_t*) override { return E_NOTIMPL; }
+    HRESULT TREEVAULT_CALL GetModifiedAttributeNames(WCHAR*, size_t*) override { return E_NOTIMPL; }
+    HRESULT TREEVAULT_CALL AddChild(IACNode*) override { return E_NOTIMPL; }
+    HRESULT TREEVAULT_CALL RemoveChild(IACNode*) override { return E_NOTIMPL; }
+    HRESULT TREEVAULT_CALL RemoveChildByIndex(uint64_t) override { return E_NOTIMPL; }
+    HRESULT TREEVAULT_CALL GetChildCount(size_t* count) override {
+        return Target->GetChildCount(count);
+    }
+    HRESULT TREEVAULT_CALL GetChildByIndex(uint64_t index, IACNode** child) override {
+        return Target->GetChildByIndex(index, child);
+    }
+    HRESULT TREEVAULT_CALL GetChildByName(const WCHAR* name, IACNode** child) override {
+        return Target->GetChildByName(name, child);
+    }
+    HRESULT TREEVAULT_CALL GetParent(IACNode** parent) override {
+        return Target->GetParent(parent);
+    }
+    HRESULT TREEVAULT_CALL Clone(uint64_t depth, uint32_t flags, IACNode** clone) override {
+        if (OnClone)
+            OnClone();
+        if (FAILED(CloneResult))
+            return CloneResult;
+        if (!CloneGiven)
+            return Target->Clone(depth, flags, clone);
+        CloneGiven->AddRef();
+        *clone = CloneGiven;
+        return S_OK;
+    }
+
+private:
+    Node Target;
+};
+
+class OutsiderNodes : public NodeTest {};
+
+// --- Configurations ------------------------------------------------------------------------------
+
+// Only an attribute that is absent when its type is asked for has the default.
+TEST_F(OutsiderNodes, FailingReadsOfAConfigurationAreRaised) {
+    Storage storage;
+    const auto config = Query<IStorageConfig>(storage, IID_IStorageConfig);
+    OutsiderNode node(Configuration(true, false));
+    node.TypeResult = Refusal;
+    EXPECT_EQ(CodeText(Refusal), CodeText(config->Configure(&node)));
+    node.TypeResult = S_OK;
+    node.ValueResult = TREEVAULT_E_NOT_FOUND;
+    EXPECT_EQ(CodeText(TREEVAULT_E_NOT_FOUND), CodeText(config->Configure(&node)));
+    node.ValueResult = S_OK;
+    node.TypeResult = TREEVAULT_E_NOT_FOUND;
+    EXPECT_EQ(S_OK, config->Configure(&node));
+    EXPECT_EQ(1u, node.References);
+    ClearRecord();
+}
+
+// The name that a nested creation took meanwhile goes over to the storage that is made last.
+TEST_F(OutsiderNodes, NameTakenWhileConfiguringGoesToTheOuterStorage) {
+    Handle<INodeStorage> inner, outer, found;
+    OutsiderNode node(Configuration(true, true));
+    node.OnRead = [&] {
+        if (!inner) {
+            EXPECT_EQ(S_OK, StgCreateStorage(TREEVAULT_MEMORY_STORAGE, nullptr, W("name"), 0,
+                                             inner.Put()));
+        }
+    };
+    ASSERT_EQ(S_OK, StgCreateStorage(TREEVAULT_MEMORY_STORAGE, &node, W("name"), 0, outer.Put()));
+    ASSERT_TRUE(inner);
+    EXPECT_NE(inner.Get(), outer.Get());
+    EXPECT_EQ(S_OK, StgOpenStorageInstance(W("name"), found.Put()));
+    EXPECT_EQ(outer.Get(), found.Get());
+    // The death of its former bearer does not free the name, that of the present one does.
+    inner.Close();
+    EXPECT_EQ(S_OK, StgOpenStorageInstance(W("name"), found.Put()));
+    EXPECT_EQ(outer.Get(), found.Get());
+    found.Close();
+    outer.Close();
+    EXPECT_EQ(TREEVAULT_E_NOT_FOUND, StgOpenStorageInstance(W("name"), found.Put()));
+    ClearRecord();
+}
+
+// --- Batches -------------------------------------------------------------------------------------
+
+TEST_F(OutsiderNodes, FailingCloneLosesTheBatchAndTheNextOneGoesOn) {
+    OutsiderNode stored(Create(W("b"))), given(Create(W("b")));
+    given.CloneGiven = &stored;
+    Storage storage("a c");
+    IACNode* nodes[] = {&given};
+    ASSERT_EQ(S_OK, StgStoreData(storage, nullptr, StoreMergeAll, nodes, 1));
+    stored.CloneResult = Refusal;
+    const Node filter = Filter("/", Select::Children);
+    IACNode* handles[3] = {Untouched(), Untouched(), Untouched()};
+    IRetrievalContext* context = nullptr;
+    uint64_t count = 777;
+    ASSERT_EQ(S_OK, StgRetrieveData(storage, filter, &context, handles, 0, nullptr));
+    const int32_t before = LiveComponents();
+    EXPECT_TRUE(
+        FailsWithRecord(Refusal, StgRetrieveNextData, storage, context, handles, 3, &count));
+    EXPECT_EQ(before, LiveComponents());
+    EXPECT_EQ(Untouched(), handles[0]);
+    EXPECT_EQ(777u, count);
+    EXPECT_EQ(S_OK, StgRetrieveNextData(storage, context, handles, 3, &count));
+    ASSERT_EQ(1u, count);
+    EXPECT_EQ("c", Show(Node(handles[0])));
+    StgCloseRetrivalContext(storage, context);
+    // A failure in the first batch leaves no context either.
+    context = storage;
+    EXPECT_TRUE(
+        FailsWithRecord(Refusal, StgRetrieveData, storage, filter, &context, handles, 3, &count));
+    EXPECT_EQ(static_cast<IRetrievalContext*>(storage), context);
+    storage.Close();
+    EXPECT_EQ(1u, stored.References);
+}
+
+// The storage is locked while nodes are selected, and no longer while they are cloned.
+TEST_F(OutsiderNodes, FirstBatchIsClonedWhileOthersStore) {
+    OutsiderNode stored(Create(W("b"))), given(Create(W("b")));
+    given.CloneGiven = &stored;
+    Storage storage;
+    IACNode* nodes[] = {&given};
+    ASSERT_EQ(S_OK, StgStoreData(storage, nullptr, StoreMergeAll, nodes, 1));
+    std::future<HRESULT> other;
+    stored.OnClone = [&] {
+        other = std::async(std::launch::async, [&] { return storage.Store(StoreMergeAll, "a"); });
+        EXPECT_EQ(std::future_status::ready, other.wait_for(std::chrono::seconds(60)));
+    };
+    EXPECT_EQ("b", Show(Retrieve(storage, Filter("/b"))));
+    ASSERT_TRUE(other.valid());
+    EXPECT_EQ(S_OK, other.get());
+    stored.OnClone = nullptr;
+    EXPECT_EQ("a b", Forest(storage));
+}
+
+} // namespace
+} // namespace treevault::tests
