@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Builds the library and the program treevault, and shows what they do with the documents in
-# examples/.
+# examples/: first of all, changing a forest.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -34,12 +34,28 @@ cmake --preset release -B build/demo -DTREEVAULT_BUILD_TESTS=OFF >build/demo/con
 cmake --build build/demo
 treevault=$PWD/build/demo/bin/treevault
 work=build/demo/work
+rm -rf "$work"
 mkdir -p "$work"
+service=examples/service-configuration.xml
+
+heading "Storing changes as one group, and watching"
+run store "$service" examples/service-changes.xml --watch -o "$work/orders.xml"
+run show "$work/orders.xml" --path '\orders\listeners\admin'
+run show "$work/orders.xml" --path '\orders\limits'
+heading "Storing what is to be there, and nothing else"
+run store "$service" examples/service-listeners.xml --mode replace-all --watch -o "$work/replaced.xml"
+heading "An observer refuses a change: the group is undone, and nothing is written"
+run_failing store "$service" examples/service-changes.xml --watch --veto '\orders\limits' \
+    -o "$work/refused.xml"
+[ ! -e "$work/refused.xml" ]
+heading "What a path selects, and what is left without it"
+run select "$work/orders.xml" '\orders\listeners' --children --depth 0 --indent
+run delete "$work/orders.xml" '\orders' --indent
 
 heading "A service configuration as a tree"
-run show examples/service-configuration.xml
+run show "$service"
 heading "One node of it, without what is below"
-run show examples/service-configuration.xml --path '\orders\listeners' --depth 0
+run show "$service" --path '\orders\listeners' --depth 0
 
 heading "Arrays, identifiers and binary data"
 run show examples/device-inventory.xml
@@ -74,7 +90,7 @@ run error 0x80070057
 run error 0x80040204
 
 heading "The library from C and from C++"
-for sample in hello_c hello_cpp roundtrip cloning; do
+for sample in hello_c hello_cpp roundtrip cloning watching storing; do
     echo "\$ example_$sample"
     "build/demo/bin/example_$sample"
     echo

@@ -17,9 +17,13 @@ using WideText = std::basic_string<WCHAR>;
 struct CloseHandle {
     void operator()(IACNode* node) const { AcnCloseNodeHandle(node); }
     void operator()(IErrorInfo* record) const { EhReleaseErrorContext(record); }
+    void operator()(INodeStorage* storage) const { StgCloseStorageHandle(storage); }
+    void operator()(IComponentUnknown* group) const { StgCloseOperationsGroup(nullptr, group); }
 };
 
 using Node = std::unique_ptr<IACNode, CloseHandle>;
+using Storage = std::unique_ptr<INodeStorage, CloseHandle>;
+using Group = std::unique_ptr<IOperationsGroup, CloseHandle>;
 
 inline std::string ToUtf8(const WideText& wide) {
     uint64_t size = 0;
@@ -88,6 +92,24 @@ inline std::string Get(const Node& node, const WCHAR* name) {
     Check(AcnGetAttribute(node.get(), name, &wanted, text.data(), &size, nullptr));
     text.resize(size - 1);
     return text;
+}
+
+inline Storage CreateStorage() {
+    INodeStorage* storage = nullptr;
+    Check(StgCreateStorage(TREEVAULT_MEMORY_STORAGE, nullptr, nullptr, 0, &storage));
+    return Storage(storage);
+}
+
+inline Group CreateGroup(const Storage& storage) {
+    IOperationsGroup* group = nullptr;
+    Check(StgCreateOperationsGroup(storage.get(), &group));
+    return Group(group);
+}
+
+// With a group, when that is finalized.
+inline void Store(const Storage& storage, const Node& node, const Group& group = nullptr) {
+    IACNode* nodes[] = {node.get()};
+    Check(StgStoreData(storage.get(), group.get(), StoreMergeAll, nodes, 1));
 }
 
 } // namespace example

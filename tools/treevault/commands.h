@@ -17,6 +17,9 @@ using Work = std::function<void()>;
 void AddShowCommand(CLI::App& app, Work& chosen);
 void AddCheckCommand(CLI::App& app, Work& chosen);
 void AddRewriteCommand(CLI::App& app, Work& chosen);
+void AddStoreCommand(CLI::App& app, Work& chosen);
+void AddSelectCommand(CLI::App& app, Work& chosen);
+void AddDeleteCommand(CLI::App& app, Work& chosen);
 void AddConvertCommand(CLI::App& app, Work& chosen);
 void AddErrorCommand(CLI::App& app, Work& chosen);
 

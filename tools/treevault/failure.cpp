@@ -29,6 +29,14 @@ std::string Explanation(HRESULT code) {
         return "not well-formed XML";
     case TREEVAULT_E_NOT_A_NODE_DOCUMENT:
         return "not the structure of a node document";
+    case TREEVAULT_E_STG_NAME_IN_USE:
+        return "the name of the storage is in use";
+    case TREEVAULT_E_STG_PARENT_MISSING:
+        return "a parent is missing";
+    case TREEVAULT_E_STG_BAD_PATH:
+        return "no path of a node";
+    case TREEVAULT_E_STG_BAD_FILTER:
+        return "unknown type of filter";
     default:
         return {};
     }

@@ -34,6 +34,17 @@ using NodeHandle = Handle<IACNode, AcnCloseNodeHandle>;
 using SerializerHandle = Handle<INodeSerializer, AcnCloseSerializationContext>;
 using DeserializerHandle = Handle<INodeDeserializer, AcnCloseDeserializationContext>;
 using ErrorHandle = Handle<IErrorInfo, EhReleaseErrorContext>;
+using StorageHandle = Handle<INodeStorage, StgCloseStorageHandle>;
+
+inline void TREEVAULT_CALL CloseGroup(IOperationsGroup* group) {
+    StgCloseOperationsGroup(nullptr, group);
+}
+inline void TREEVAULT_CALL CloseRetrieval(IRetrievalContext* context) {
+    StgCloseRetrivalContext(nullptr, context);
+}
+
+using GroupHandle = Handle<IOperationsGroup, CloseGroup>;
+using RetrievalHandle = Handle<IRetrievalContext, CloseRetrieval>;
 
 } // namespace treevault::program
 

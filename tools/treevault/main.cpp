@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The program treevault: shows, checks and rewrites documents, converts values, explains codes.
+// The program treevault: shows, checks and rewrites documents, stores changes in forests, converts
+// values, explains codes.
 #include "commands.h"
 #include "console.h"
 #include "failure.h"
@@ -36,12 +37,15 @@ void DescribeCommands(CLI::App& app, Work& chosen) {
     AddShowCommand(app, chosen);
     AddCheckCommand(app, chosen);
     AddRewriteCommand(app, chosen);
+    AddStoreCommand(app, chosen);
+    AddSelectCommand(app, chosen);
+    AddDeleteCommand(app, chosen);
     AddConvertCommand(app, chosen);
     AddErrorCommand(app, chosen);
 }
 
 int Run(std::vector<std::string> arguments) {
-    CLI::App app("Shows, checks and rewrites documents of nodes.", "treevault");
+    CLI::App app("Shows, checks, rewrites and changes documents of nodes.", "treevault");
     Work chosen;
     DescribeCommands(app, chosen);
     try {

@@ -47,10 +47,11 @@ void Output::Write(Colour colour, std::string_view text) {
 
 void Output::Flush() {
     errno = 0;
-    const size_t written = std::fwrite(Pending.data(), 1, Pending.size(), stdout);
-    if (written != Pending.size() || std::fflush(stdout) != 0)
-        throw DataFailure("standard output: cannot write: " +
-                          std::generic_category().message(errno != 0 ? errno : EIO));
+    const size_t written = std::fwrite(Pending.data(), 1, Pending.size(), Stream);
+    if (written != Pending.size() || std::fflush(Stream) != 0)
+        throw DataFailure(
+            std::string(Stream == stdout ? "standard output" : "standard error") +
+            ": cannot write: " + std::generic_category().message(errno != 0 ? errno : EIO));
     Pending.clear();
 }
 

@@ -4,6 +4,7 @@
 #include "document.h"
 #include "failure.h"
 #include "inputfile.h"
+#include "path.h"
 #include "treeprinter.h"
 #include "treewalk.h"
 
@@ -16,8 +17,6 @@ namespace treevault::program {
 
 namespace {
 
-constexpr WCHAR Separator = '\\';
-
 struct ShowOptions {
     std::string File;
     std::string Path = "\\";
@@ -27,25 +26,14 @@ struct ShowOptions {
     bool HasColours() const { return Colours == "always" || (Colours == "auto" && WantsColours()); }
 };
 
-// The form that the library gives a path: one separator in front of each name.
-WideText ParsePath(const std::string& text) {
-    if (!text.starts_with('\\') || (text.size() > 1 && text.ends_with('\\')))
-        throw UsageFailure("'" + text + "' is no path; a path is written \\a\\b");
-    WideText path;
-    for (const WCHAR unit : ToWide(text))
-        if (unit != Separator || path.empty() || path.back() != Separator)
-            path += unit;
-    return path;
-}
-
 // The node at `path` in the tree of `root`, or nothing.
 NodeHandle Find(NodeHandle root, const WideText& path) {
     const WideText rootPath = NodeName(root.Get(), NameFullPath);
     if (!path.starts_with(rootPath) ||
-        (path.size() > rootPath.size() && path[rootPath.size()] != Separator))
+        (path.size() > rootPath.size() && path[rootPath.size()] != PathSeparator))
         return {};
     for (size_t start = rootPath.size(); start < path.size();) {
-        const size_t end = std::min(path.find(Separator, start + 1), path.size());
+        const size_t end = std::min(path.find(PathSeparator, start + 1), path.size());
         const WideText name = path.substr(start + 1, end - start - 1);
         NodeHandle child;
         const HRESULT result = AcnGetChildByName(root.Get(), name.c_str(), child.Receive());

@@ -92,7 +92,7 @@ void TreePrinter::PrintValue(ValueType type, const std::vector<WideText>& texts)
 void TreePrinter::Indent(uint64_t level) {
     Out.Write(std::string(std::min(level, IndentLimit) * IndentWidth, ' '));
     if (level > IndentLimit)
-        Out.Write(Colour::Remark, "[" + std::to_string(level) + "] ");
+        Out.Write(Colour::Remark, std::string("[").append(std::to_string(level)).append("] "));
 }
 
 } // namespace treevault::program

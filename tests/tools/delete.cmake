@@ -1,0 +1,53 @@
+# SPDX-License-Identifier: MIT
+# delete: a node or its children, and what is left.
+include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
+
+write(tree.xml [[<nr><n n="b"/><n n="a" t="k"><a n="x" t="3" v="1"/><n n="d"><n n="e"/></n><n n="c"/></n></nr>]])
+
+# expect_left(OUTPUT ARGUMENT...)
+function(expect_left expected)
+    treevault(delete tree.xml ${ARGN})
+    expect_success()
+    expect_output("${expected}")
+endfunction()
+
+set(a [[<n n="a" t="k"><a n="x" t="3" v="1"/>]])
+expect_left("<nr>${a}<n n=\"c\"/></n><n n=\"b\"/></nr>" "\\a\\d")
+expect_left("<nr>${a}<n n=\"d\"/><n n=\"c\"/></n><n n=\"b\"/></nr>" "\\a\\d\\e")
+expect_left("<nr><n n=\"b\"/></nr>" "\\\\a")
+expect_left([[<nr><n n="a" t="k"><a n="x" t="3" v="1"/></n><n n="b"/></nr>]] "\\a" --children)
+treevault(delete tree.xml "\\" --children)
+expect_success()
+expect_output("<nr/>")
+# A node without children has none to lose.
+expect_left("<nr>${a}<n n=\"d\"><n n=\"e\"/></n><n n=\"c\"/></n><n n=\"b\"/></nr>" "\\b" --children)
+
+treevault(delete - "\\a" -o - INPUT ${WORK}/tree.xml)
+expect_success()
+expect_output("<nr><n n=\"b\"/></nr>")
+file(COPY_FILE ${WORK}/tree.xml ${WORK}/place.xml)
+treevault(delete place.xml "\\a" --indent -o place.xml)
+expect_success()
+expect_output("")
+string(HEX "<nr>\r\n\t<n n=\"b\"/>\r\n</nr>\r\n" lines)
+expect_hex(place.xml ${lines})
+
+# What is not there is told, and nothing is written.
+write(place.xml "old")
+foreach(path "\\x" "\\A" "\\a\\x")
+    foreach(children "" --children)
+        treevault(delete tree.xml "${path}" ${children} -o place.xml)
+        string(REPLACE "\\" "\\\\" pattern "${path}")
+        expect_failure(1 "^treevault: tree.xml: there is no node ${pattern}\n$")
+    endforeach()
+endforeach()
+treevault(delete tree.xml "\\" -o place.xml)
+expect_failure(1 "cannot delete .: no path of a node: 0x80040304")
+treevault(delete missing.xml "\\a" -o place.xml)
+expect_failure(1 "missing.xml: cannot open")
+foreach(path "a" "a\\b" "\\a\\" "")
+    treevault(delete tree.xml "${path}")
+    expect_failure(2 "is no path")
+endforeach()
+expect_text(place.xml "old")
+expect_files(place.xml tree.xml)
