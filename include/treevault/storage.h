@@ -72,7 +72,9 @@ typedef struct ModifyNotification {
 
 /* An observer. Its operations are called on the thread that changes the storage, while the storage
  * is locked for others; on that thread it may read and store, but neither register nor remove
- * sinks. Sinks are called in no order that could be relied on. */
+ * sinks. What it stores there is a group of its own, which the group under way does not undo. A
+ * sink that stores into another storage waits for that one's lock: two such sinks must not do so
+ * crosswise. Sinks are called in no order that could be relied on. */
 struct IModifySink : IComponentUnknown {
     /* A group begins. The result does not matter to the group, but sinks behind a failing one are
      * not called. */
@@ -95,7 +97,8 @@ protected:
 /* Offered by storages. */
 struct IModifySinkRegistry : IComponentUnknown {
     /* Adds a reference to the sink until it is removed or the storage dies; `*id` names it.
-     * E_POINTER for a null argument. */
+     * E_POINTER for a null argument. Both operations call AddRef and Release of the sink while
+     * notifications are held back: neither these nor the sink's destructor may use the storage. */
     virtual HRESULT TREEVAULT_CALL RegisterSink(IModifySink* sink, GUID* id) = 0;
 
     /* Waits for notifications under way. E_POINTER for null, E_INVALIDARG for an unknown id. */
@@ -110,8 +113,9 @@ struct IStorageConfig : IComponentUnknown {
     /* Reads two attributes of the node, both true by default, as VtBool:
      *   BuildParentNodesIfMissing  a store makes the parents that its nodes lack
      *   MaintainAtomicity          a failed group takes back added and removed nodes too
-     * Meant to be called before the first operation. E_POINTER for null; the code of a conversion
-     * that fails, and what was read before it stays set. */
+     * Meant to be called before the first operation, and not while the storage is in use: it takes
+     * no lock. E_POINTER for null; the code of a conversion that fails, and what was read before it
+     * stays set. */
     virtual HRESULT TREEVAULT_CALL Configure(IACNode* configuration) = 0;
 
 protected:
@@ -194,8 +198,9 @@ TREEVAULT_EXTERN_C_BEGIN
  * `name`          makes the storage known in the process for as long as it lives; null or empty for
  *                 none.
  * `openIfExists`  not 0: a storage of that name is opened as it stands.
- * E_POINTER for a null `type` or `storage`; 0x80040301 when the name is in use; E_NOTIMPL for
- * another type; what Configure returned. No name is registered on failure. */
+ * E_POINTER for a null `type` or `storage`; 0x80040301 when the name is in use; 0x80070490 when the
+ * storage to be opened is dying; E_NOTIMPL for another type; what Configure returned. On failure no
+ * name is registered and `*storage` is untouched. */
 HRESULT TREEVAULT_CALL StgCreateStorage(const WCHAR* type, IACNode* config, const WCHAR* name,
                                         int32_t openIfExists, INodeStorage** storage);
 
@@ -214,18 +219,27 @@ HRESULT TREEVAULT_CALL StgDuplicateStorageHandle(INodeStorage* storage, INodeSto
 HRESULT TREEVAULT_CALL StgCreateOperationsGroup(INodeStorage* storage, IOperationsGroup** group);
 
 /* Runs the operations of a group in order, as one: observers are told, and a failure of an
- * operation or a veto undoes everything. The group stays as it is; finalizing it again runs the
- * operations again. E_POINTER for a null `group`, E_NOINTERFACE for what is no group; otherwise the
- * code of the operation or observer that failed. */
+ * operation or a veto undoes what the group did, from the last change to the first. Not undone are
+ * the change of a type without one of an attribute, the place of a deleted child among its siblings
+ * (it comes back as the last), the modified state of attributes, and, where MaintainAtomicity is
+ * off, nodes that were added or removed. When memory runs out while undoing, the rest stays.
+ * The group stays as it is. Finalizing it again runs the operations again, on the nodes that the
+ * first run left; a failure then undoes the earlier runs of the group too.
+ * E_POINTER for a null `group`, E_NOINTERFACE for what is no group; otherwise the code of the
+ * operation or observer that failed. */
 HRESULT TREEVAULT_CALL StgFinalizeOperationsGroup(INodeStorage* storage, IOperationsGroup* group);
 
 /* Gives a group back; what was not finalized has changed nothing. `storage` is not looked at; a
  * null `group` does nothing. */
 void TREEVAULT_CALL StgCloseOperationsGroup(INodeStorage* storage, IOperationsGroup* group);
 
-/* Stores nodes, each at the path that it has, with all its children. With a group they are copied
- * now and stored when the group is finalized; without one they are stored at once, as a group of
- * their own.
+/* Stores nodes, each at the path that it has, with all its children: added where there is no such
+ * node, and else merged with what is there by the mode. With a group they are copied now and stored
+ * when the group is finalized; without one they are stored at once, as a group of their own, and a
+ * failure leaves what StgFinalizeOperationsGroup tells. The nodes given stay the caller's and are
+ * not changed. `mode` is not checked: an unknown one replaces attributes and leaves types and
+ * children as StoreMergeAll does. `nodes` must not be null, even for a `count` of 0, which runs an
+ * empty group. Parents that are missing are made, see IStorageConfig.
  * E_POINTER for a null `nodes` (or, with a group, a null entry: those before it stay queued);
  * E_NOINTERFACE for what is no group; 0x80040303 when a parent is missing and is not to be built,
  * or for a null entry without a group; what an observer returned. */
@@ -250,8 +264,10 @@ HRESULT TREEVAULT_CALL StgRetrieveData(INodeStorage* storage, IACNode* filter,
                                        IRetrievalContext** context, IACNode** nodes,
                                        uint64_t maxNodes, uint64_t* retrieved);
 
-/* Hands out the next nodes of a context. E_POINTER for a null `context` or `nodes`; E_NOINTERFACE
- * for what is no context; 0x80070057 as above. */
+/* Hands out the next nodes of a context into the `maxNodes` places of `nodes`. E_POINTER for a null
+ * `context` or `nodes`; E_NOINTERFACE for what is no context; 0x80070057 as above; the code of a
+ * copy that could not be made. On failure nothing is written, and the nodes of the batch that were
+ * taken from the context are lost to it. */
 HRESULT TREEVAULT_CALL StgRetrieveNextData(INodeStorage* storage, IRetrievalContext* context,
                                            IACNode** nodes, uint64_t maxNodes, uint64_t* retrieved);
 

@@ -10,6 +10,8 @@
 
 #include <treevault/errors.h>
 
+#include <new>
+#include <stdexcept>
 #include <type_traits>
 
 namespace treevault {
@@ -68,20 +70,37 @@ void AppendErrorText(WideStream& stream, HRESULT code);
 HRESULT ReportError(HRESULT hr) noexcept;
 HRESULT ReportError(HRESULT hr, WideView context) noexcept;
 
+// Keeps the thread's pending record over work whose failures nobody is to hear of.
+class KeptErrorRecord {
+public:
+    KeptErrorRecord() noexcept { GetErrorInfo(0, Info.Put()); }
+    ~KeptErrorRecord() { SetErrorInfo(0, Info.Get()); }
+    KeptErrorRecord(const KeptErrorRecord&) = delete;
+    KeptErrorRecord& operator=(const KeptErrorRecord&) = delete;
+
+private:
+    Ref<IErrorInfo> Info;
+};
+
 // Whether expected misses of nodes set error records too. Read once for the process.
 bool IsAdvancedErrorInfoEnabled() noexcept;
 
 // The catch of a boundary: sets the record of a failure and returns its code. It raises nothing.
 HRESULT ReportCaught(const HRX& failure) noexcept;
 
-// Runs the body of a public operation: an HRESULT, or nothing for success.
+// Runs the body of a public operation: an HRESULT, or nothing for success. A size that no memory
+// can hold, which only an object of the caller's can have told, counts as memory that is not there.
 template <class Body>
 HRESULT RunBody(const Body& body) {
-    if constexpr (std::is_void_v<decltype(body())>) {
-        body();
-        return S_OK;
-    } else {
-        return body();
+    try {
+        if constexpr (std::is_void_v<decltype(body())>) {
+            body();
+            return S_OK;
+        } else {
+            return body();
+        }
+    } catch (const std::length_error&) {
+        throw std::bad_alloc();
     }
 }
 

@@ -87,6 +87,8 @@ private:
 
     void PvtInsertChild(CACNodeImpl* child, const WideString& name);
     void PvtAdoptClaimed(CACNodeImpl* child);
+    // The index of a child.
+    size_t PvtPlaceOf(const CACNodeImpl* child) const noexcept;
     void PvtEraseChild(size_t index) noexcept;
     void PvtDropChildren(CACNodeImpl*& dying) noexcept;
     Ref<CACNodeImpl> PvtCloneAlone(uint32_t flags) const;

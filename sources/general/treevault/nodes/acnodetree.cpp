@@ -94,6 +94,15 @@ void CACNodeImpl::PvtAdoptClaimed(CACNodeImpl* child) {
     }
 }
 
+// From both ends at once, where children are mostly added and taken from.
+size_t CACNodeImpl::PvtPlaceOf(const CACNodeImpl* child) const noexcept {
+    size_t front = 0;
+    size_t back = Children.size();
+    while (Children[front] != child && Children[--back] != child)
+        ++front;
+    return Children[front] == child ? front : back;
+}
+
 HRESULT CACNodeImpl::RemoveChild(IACNode* child) {
     return Boundary([&]() -> HRESULT {
         const FunctionTrace trace(TV_W("CACNodeImpl::RemoveChild"));
@@ -111,8 +120,7 @@ HRESULT CACNodeImpl::RemoveChild(IACNode* child) {
             });
             return PvtMiss(TREEVAULT_E_NOT_FOUND, TV_W("Child"), name.CStr());
         }
-        const auto found = std::find(Children.begin(), Children.end(), impl.Get());
-        PvtEraseChild(static_cast<size_t>(found - Children.begin()));
+        PvtEraseChild(PvtPlaceOf(impl.Get()));
         return S_OK;
     });
 }

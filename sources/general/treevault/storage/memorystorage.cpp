@@ -5,9 +5,9 @@
 #include "common/components/componentsmodule.h"
 #include "common/errorhandling.h"
 #include "common/functiontrace.h"
+#include "general/treevault/nodes/nodereading.h"
 #include "general/treevault/presentation/nodelogview.h"
 #include "general/treevault/storage/modifysinkpoolimpl.h"
-#include "general/treevault/storage/nodereading.h"
 
 namespace treevault {
 

@@ -104,7 +104,7 @@ private:
                       CPendingOperations& group);
     void PvtDeleteFiltered(INodeFilter& filter, CPendingOperations& group);
     void PvtAttachNode(IACNode* parent, const NodeRef& node, const WideText& name);
-    void PvtDetachNode(IACNode* parent, const NodeRef& node, const WideText& name);
+    bool PvtDetachNode(IACNode* parent, const NodeRef& node, const WideText& name);
     Ref<INodeFilter> CreateFilter(IACNode* filter, bool handOutStored);
 
     WeakReferenceHolder<CMemoryStorage> WeakHolder;

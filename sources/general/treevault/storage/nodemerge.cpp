@@ -82,20 +82,36 @@ void NodeMerge::FinishLevel(Level& level) {
 
 namespace {
 
-// Gives a stored node its old attributes and type back.
-void RestoreAttributes(IACNode* snapshot, IACNode* node, const WideText& oldType) {
-    if (snapshot != node) {
+// The names of a list, each zero-terminated where it stands.
+std::vector<WideView> SplitNames(const WideText& names) {
+    std::vector<WideView> split;
+    for (size_t begin = 0; begin < names.size(); begin += split.back().size() + 1)
+        split.emplace_back(names.c_str() + begin);
+    std::sort(split.begin(), split.end());
+    return split;
+}
+
+bool Holds(const std::vector<WideView>& sortedNames, WideView name) {
+    return std::binary_search(sortedNames.begin(), sortedNames.end(), name);
+}
+
+// Makes the attributes of a stored node those of the snapshot. What was there is taken away last,
+// so that memory that runs out meanwhile costs no value.
+void RestoreAttributes(IACNode* snapshot, IACNode* node) {
+    const WideText snapshotNames = ReadAttributeNames(snapshot);
+    if (snapshotNames.empty()) {
         HRES{node->DeleteAttribute(nullptr)};
-        RawAttribute value;
-        const WideText names = ReadAttributeNames(snapshot);
-        for (size_t begin = 0; begin < names.size();) {
-            const WideView name(names.c_str() + begin);
-            if (value.Read(snapshot, name.data()))
-                HRES{node->SetAttribute(name.data(), value.Type, value.Buffer.data(), value.Size)};
-            begin += name.size() + 1;
-        }
+        return;
     }
-    HRES{node->SetType(oldType.c_str())};
+    const std::vector<WideView> kept = SplitNames(snapshotNames);
+    RawAttribute value;
+    for (const WideView name : kept)
+        if (value.Read(snapshot, name.data()))
+            HRES{node->SetAttribute(name.data(), value.Type, value.Buffer.data(), value.Size)};
+    const WideText names = ReadAttributeNames(node);
+    for (const WideView name : SplitNames(names))
+        if (!Holds(kept, name))
+            HRES{node->DeleteAttribute(name.data())};
 }
 
 } // namespace
@@ -111,7 +127,9 @@ void NodeMerge::BeginChange(IACNode* existing, const WCHAR* name) {
     if (ChangedNames.empty()) {
         const auto stored = Ref<IACNode>::Share(existing);
         Group.AddUndo(Group.PrepareUndo([snapshot = Snapshot, stored, oldType = OldType] {
-            RestoreAttributes(snapshot.Get(), stored.Get(), oldType);
+            if (snapshot.Get() != stored.Get())
+                RestoreAttributes(snapshot.Get(), stored.Get());
+            HRES{stored->SetType(oldType.c_str())};
         }));
     }
     ChangedNames.append(name).push_back(0);
@@ -137,13 +155,15 @@ void NodeMerge::MergeAttribute(IACNode* existing, IACNode* given, const WCHAR* n
     HRES{existing->SetAttribute(name, GivenValue.Type, GivenValue.Buffer.data(), GivenValue.Size)};
 }
 
-// Merges those attributes of the stored node that the given one lacks, which deletes them.
-void NodeMerge::DeleteOthers(IACNode* existing, IACNode* given, const WideText& givenNames) {
-    std::vector<WideView> kept;
-    ForEachName(givenNames, [&](const WCHAR* name) { kept.emplace_back(name); });
-    std::sort(kept.begin(), kept.end());
+// Those of the stored node that the given one lacks are merged too, which deletes them.
+void NodeMerge::ReplaceAttributes(IACNode* existing, IACNode* given) {
+    const WideText givenNames = ReadAttributeNames(given);
+    const std::vector<WideView> kept = SplitNames(givenNames);
+    for (const WideView name : kept)
+        if (!name.empty())
+            MergeAttribute(existing, given, name.data());
     ForEachName(ReadAttributeNames(existing), [&](const WCHAR* name) {
-        if (!std::binary_search(kept.begin(), kept.end(), WideView(name)))
+        if (!Holds(kept, name))
             MergeAttribute(existing, given, name);
     });
 }
@@ -161,12 +181,12 @@ void NodeMerge::MergeAttributes(const Ref<IACNode>& existing, const Ref<IACNode>
     Snapshot.Reset();
     ChangedNames.clear();
     OldType = ReadType(existing.Get());
-    const WideText names = Mode == StoreMergeModified ? ReadModifiedAttributeNames(given.Get())
-                                                      : ReadAttributeNames(given.Get());
-    ForEachName(names,
-                [&](const WCHAR* name) { MergeAttribute(existing.Get(), given.Get(), name); });
     if (ReplacesAttributes())
-        DeleteOthers(existing.Get(), given.Get(), names);
+        ReplaceAttributes(existing.Get(), given.Get());
+    else
+        ForEachName(Mode == StoreMergeModified ? ReadModifiedAttributeNames(given.Get())
+                                               : ReadAttributeNames(given.Get()),
+                    [&](const WCHAR* name) { MergeAttribute(existing.Get(), given.Get(), name); });
     MergeType(existing.Get(), ReadType(given.Get()));
     if (!ChangedNames.empty())
         Storage.PvtSignalModified(Snapshot.Get(), existing.Get(), ModifyNodeChanged,

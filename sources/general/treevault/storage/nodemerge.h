@@ -3,8 +3,8 @@
 #ifndef TREEVAULT_STORAGE_NODEMERGE_H
 #define TREEVAULT_STORAGE_NODEMERGE_H
 
+#include "general/treevault/nodes/nodereading.h"
 #include "general/treevault/storage/memorystorage.h"
-#include "general/treevault/storage/nodereading.h"
 
 #include <map>
 #include <vector>
@@ -45,7 +45,7 @@ private:
 
     void MergeAttributes(const Ref<IACNode>& existing, const Ref<IACNode>& given);
     void MergeAttribute(IACNode* existing, IACNode* given, const WCHAR* name);
-    void DeleteOthers(IACNode* existing, IACNode* given, const WideText& givenNames);
+    void ReplaceAttributes(IACNode* existing, IACNode* given);
     void MergeType(IACNode* existing, const WideText& givenType);
     void EnsureSnapshot(IACNode* existing);
     void BeginChange(IACNode* existing, const WCHAR* name);

@@ -3,8 +3,8 @@
 #include "general/treevault/storage/nodesbypathfilter.h"
 
 #include "common/errorhandling.h"
+#include "general/treevault/nodes/nodereading.h"
 #include "general/treevault/storage/nodemaking.h"
-#include "general/treevault/storage/nodereading.h"
 
 namespace treevault {
 

@@ -33,6 +33,16 @@ void CPendingOperations::Execute() {
     }
 }
 
+// What caused the rollback goes on to the caller.
+template <class WriteError>
+void CPendingOperations::GiveUpRollback(const WriteError& writeError) noexcept {
+    Log(SeverityErr, [&](WideStream& line) {
+        line << TV_W("CPendingOperations::Rollback failed: Rollback failed: ");
+        writeError(line);
+    });
+    UndoList.clear();
+}
+
 void CPendingOperations::Rollback() {
     if (UndoList.empty())
         return;
@@ -43,13 +53,9 @@ void CPendingOperations::Rollback() {
             UndoList.pop_back();
         }
     } catch (const HRX& failure) {
-        Log(SeverityErr, [&](WideStream& line) {
-            line << TV_W("CPendingOperations::Rollback failed: Rollback failed: ");
-            AppendErrorText(line, failure);
-        });
-        UndoList.clear();
+        GiveUpRollback([&](WideStream& line) { AppendErrorText(line, failure); });
     } catch (const std::bad_alloc&) {
-        UndoList.clear(); // what caused the rollback goes on
+        GiveUpRollback([](WideStream& line) { AppendErrorText(line, E_OUTOFMEMORY); });
     }
 }
 

@@ -53,6 +53,9 @@ protected:
     ~CPendingOperations() = default;
 
 private:
+    template <class WriteError>
+    void GiveUpRollback(const WriteError& writeError) noexcept;
+
     CMemoryStorage& Storage;
     std::deque<Callable> Operations; // stays in place while an operation adds to it
     std::vector<Callable> UndoList;

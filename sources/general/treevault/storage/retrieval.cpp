@@ -2,11 +2,9 @@
 // Retrieving: selection under the lock, hand-out in batches without it.
 #include "common/errorhandling.h"
 #include "common/functiontrace.h"
+#include "general/treevault/nodes/nodereading.h"
 #include "general/treevault/presentation/nodelogview.h"
-#include "general/treevault/storage/nodereading.h"
 #include "general/treevault/storage/nodesbypathfilter.h"
-
-#include <algorithm>
 
 namespace treevault {
 

@@ -6,8 +6,6 @@
 #include "common/textout.h"
 #include "general/treevault/storage/memorystorage.h"
 
-#include <vector>
-
 namespace treevault {
 
 CStorageFactory& GetStorageFactory() {
@@ -79,37 +77,47 @@ HRESULT CStorageFactory::CreateStorage(const WCHAR* type, IACNode* config, const
         CheckOutPointer(type);
         CheckOutPointer(out);
         const WCHAR* const key = name ? name : TV_W("");
-        // Locks of weak objects may be waited for under this one: a dying storage never takes it.
-        const std::lock_guard creation(CreationLock);
-        Ref<INodeStorage> storage;
-        if (Find(key)) {
+        Ref<INodeStorage> storage = CreateUnlessThere(type, config, key);
+        if (!storage) {
             if (!openIfExists)
                 ThrowHr(TREEVAULT_E_STG_NAME_IN_USE);
             HRES{static_cast<IStorageFactory*>(this)->OpenStorageInstance(key, storage.Put())};
-        }
-        if (!storage) {
-            storage = MakeStorage(type, config);
-            if (*key != 0)
-                RegisterName(storage.Get(), key);
         }
         *out = storage.Detach();
     });
 }
 
-// Nobody else registers at the same time. A stale entry of the name is that of a storage which is
-// dying at this moment.
-void CStorageFactory::RegisterName(INodeStorage* storage, const WCHAR* name) {
+Ref<INodeStorage> CStorageFactory::CreateUnlessThere(const WCHAR* type, IACNode* config,
+                                                     const WCHAR* name) {
+    Ref<INodeStorage> storage;
+    Ref<IWeakRef> stale;
+    {
+        const std::lock_guard creation(CreationLock);
+        if (Find(name))
+            return storage;
+        storage = MakeStorage(type, config);
+        if (*name != 0)
+            stale = RegisterName(storage.Get(), name);
+    }
+    if (stale)
+        stale->RemoveListener(this);
+    return storage;
+}
+
+// Nobody else registers at the same time, but a configuration may have created a storage of that
+// name meanwhile; its weak reference, which no longer has a name, is what comes back.
+Ref<IWeakRef> CStorageFactory::RegisterName(INodeStorage* storage, const WCHAR* name) {
     const Ref<IWeakRef> reference = WeakReferenceOf(storage);
     HRES{reference->AddListener(this)};
-    Ref<IWeakRef> stale;
     try {
         const std::lock_guard guard(Lock);
         StorageToName.emplace(reference.Get(), name);
         Ref<IWeakRef>& entry = NameToStorage[name];
-        stale = std::move(entry);
+        Ref<IWeakRef> stale = std::move(entry);
         entry = reference;
         if (stale)
             StorageToName.erase(stale.Get());
+        return stale;
     } catch (...) {
         {
             const std::lock_guard guard(Lock);
@@ -118,8 +126,6 @@ void CStorageFactory::RegisterName(INodeStorage* storage, const WCHAR* name) {
         reference->RemoveListener(this);
         throw;
     }
-    if (stale)
-        stale->RemoveListener(this);
 }
 
 HRESULT CStorageFactory::GetStorageInstanceName(IComponentUnknown* storage, WCHAR* buffer,

@@ -34,8 +34,9 @@ protected:
 };
 
 // One per process, in static storage: it does not count its references. It never keeps a storage
-// alive. A dying storage calls OnDestroy with its weak object's lock held; so nothing here waits
-// for such a lock, nor lets a weak reference go, while it holds the factory's lock.
+// alive. A dying storage calls its listeners with its weak object's lock held, and they come back
+// here; so nothing waits for such a lock, nor lets a weak reference go, while it holds a lock of
+// the factory.
 class CStorageFactory final : public ComponentHead,
                               public IStorageFactory,
                               public IWeakRefListener {
@@ -61,7 +62,9 @@ public:
 
 private:
     Ref<IWeakRef> Find(const WCHAR* name);
-    void RegisterName(INodeStorage* storage, const WCHAR* name);
+    // Null when there is a storage of that name.
+    Ref<INodeStorage> CreateUnlessThere(const WCHAR* type, IACNode* config, const WCHAR* name);
+    Ref<IWeakRef> RegisterName(INodeStorage* storage, const WCHAR* name);
 
     // Serializes creation, which may configure at length and create under it again.
     std::recursive_mutex CreationLock;

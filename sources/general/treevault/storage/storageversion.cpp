@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Version data of a storage, as a node.
 #include "common/errorhandling.h"
+#include "general/treevault/nodes/nodereading.h"
 #include "general/treevault/storage/memorystorage.h"
 #include "general/treevault/storage/nodemaking.h"
-#include "general/treevault/storage/nodereading.h"
 
 namespace treevault {
 

@@ -3,11 +3,11 @@
 // it.
 #include "common/errorhandling.h"
 #include "common/functiontrace.h"
+#include "general/treevault/nodes/nodereading.h"
 #include "general/treevault/presentation/nodelogview.h"
 #include "general/treevault/storage/memorystorage.h"
 #include "general/treevault/storage/nodemaking.h"
 #include "general/treevault/storage/nodemerge.h"
-#include "general/treevault/storage/nodereading.h"
 
 #include <algorithm>
 
@@ -107,16 +107,18 @@ void CMemoryStorage::PvtAttachNode(IACNode* parent, const NodeRef& node, const W
         RootNodes.emplace(name, node);
 }
 
-// A root that has gone already, and whose name another node bears meanwhile, costs that one
-// nothing.
-void CMemoryStorage::PvtDetachNode(IACNode* parent, const NodeRef& node, const WideText& name) {
+// False when there was nothing to take out: a root may have gone already, and another node may bear
+// its name meanwhile.
+bool CMemoryStorage::PvtDetachNode(IACNode* parent, const NodeRef& node, const WideText& name) {
     if (parent) {
         HRES{parent->RemoveChild(node.Get())};
-        return;
+        return true;
     }
     const auto found = RootNodes.find(name);
-    if (found != RootNodes.end() && found->second.Get() == node.Get())
-        RootNodes.erase(found);
+    if (found == RootNodes.end() || found->second.Get() != node.Get())
+        return false;
+    RootNodes.erase(found);
+    return true;
 }
 
 void CMemoryStorage::PvtAddNode(const NodeRef& parent, const NodeRef& given, bool alreadyCloned,
@@ -141,8 +143,9 @@ void CMemoryStorage::PvtRemoveNode(const NodeRef& parent, const NodeRef& existin
         undo = group.PrepareUndo([this, parent, existing] {
             PvtAttachNode(parent.Get(), existing, ReadName(existing.Get()));
         });
-    PvtDetachNode(parent.Get(), existing, name);
-    group.AddUndo(std::move(undo));
+    // What an observer's own delete took away meanwhile is not put back by this group.
+    if (PvtDetachNode(parent.Get(), existing, name))
+        group.AddUndo(std::move(undo));
     PvtSignalModified(existing.Get(), nullptr, ModifyNodeDeleted, nullptr);
     *parentFlags |= ModifyChildDeleted;
 }

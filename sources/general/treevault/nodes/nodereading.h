@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reading of nodes through their interface, into buffers that grow.
-#ifndef TREEVAULT_STORAGE_NODEREADING_H
-#define TREEVAULT_STORAGE_NODEREADING_H
+#ifndef TREEVAULT_NODES_NODEREADING_H
+#define TREEVAULT_NODES_NODEREADING_H
 
 #include "common/errorhandling.h"
 
@@ -12,26 +12,33 @@
 
 namespace treevault {
 
-// A text that `read(buffer, size)` gives by the contract of texts that go out. A failure other than
-// a buffer too small leaves the text empty; so does a null node.
+// Reads what `read(buffer, size)` gives by the contract of texts that go out, terminators included.
+// `text` is empty on failure, which is returned.
 template <class Read>
-WideText ReadText(IACNode* node, const Read& read) {
+HRESULT TryReadText(const Read& read, WideText& text) {
     constexpr size_t firstSize = 0x80;
     WCHAR first[firstSize];
-    if (!node)
-        return {};
+    text.clear();
     size_t size = firstSize;
     HRESULT hr = read(first, &size);
-    if (SUCCEEDED(hr))
-        return WideText(first, size);
-    WideText text;
+    if (SUCCEEDED(hr)) {
+        text.assign(first, size);
+        return hr;
+    }
     while (hr == TREEVAULT_E_INSUFFICIENT_BUFFER && size > text.size()) {
         text.resize(size);
         hr = read(text.data(), &size);
     }
-    if (FAILED(hr))
-        return {};
-    text.resize(size);
+    text.resize(SUCCEEDED(hr) ? size : 0);
+    return hr;
+}
+
+// The text, or none if it cannot be read; none for a null node either.
+template <class Read>
+WideText ReadText(IACNode* node, const Read& read) {
+    WideText text;
+    if (node)
+        static_cast<void>(TryReadText(read, text));
     return text;
 }
 
