@@ -193,6 +193,22 @@ HRESULT TREEVAULT_CALL AcnGetChildByName(IACNode* node, const WCHAR* name, IACNo
  * null `parent`, with a record. */
 HRESULT TREEVAULT_CALL AcnGetParent(IACNode* node, IACNode** parent);
 
+/* --- Nodes as text --------------------------------------------------------------------------- */
+
+/* The node as readable text, the way the library's log shows it: "ACNode[0x", its address in 16
+ * digits, "]:", CR LF, and its XML with the full path as the name; "ACNode[<null>]" for a null
+ * `node`. `mode` 1 shows the whole subtree, any other value the node alone.
+ * Attributes that the setting `HiddenNodeTypeAttrs` of section "Logger" names are shown as
+ * "********", of a clone whose address is the one told; the node is not changed. The setting is
+ * read once for the process.
+ * Text out, see treevault.h, except that a null `buffer` counts as one without room; `size` must
+ * not be null. A failure sets a record and leaves `buffer` and `*size` untouched:
+ *   0x80070057  the setting is malformed
+ *   0x80004002  not a node of this library
+ *   0x80070490  a child went away meanwhile */
+HRESULT TREEVAULT_CALL AcnGetStringPresentation(IACNode* node, uint32_t mode, WCHAR* buffer,
+                                                size_t* size);
+
 TREEVAULT_EXTERN_C_END
 
 #endif

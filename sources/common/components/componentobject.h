@@ -5,6 +5,8 @@
 #define TREEVAULT_COMMON_COMPONENTS_COMPONENTOBJECT_H
 
 #include "common/components/componentcount.h"
+#include "common/components/componenttag.h"
+#include "common/components/dbgaliveobjectstracker.h"
 #include "common/guids.h"
 #include "common/ref.h"
 
@@ -88,6 +90,8 @@ class CComponentObject final : public T {
 public:
     template <class... Arguments>
     explicit CComponentObject(Arguments&&... arguments) : T(std::forward<Arguments>(arguments)...) {
+        if (IsAliveObjectsTrackingEnabled())
+            GetAliveObjectsTracker().Track(ComponentTag<T>, PrimaryPointer());
         ComponentCount.fetch_add(1, std::memory_order_relaxed);
     }
 
@@ -120,7 +124,13 @@ public:
     }
 
 private:
-    ~CComponentObject() { ComponentCount.fetch_sub(1, std::memory_order_relaxed); }
+    ~CComponentObject() {
+        if (IsAliveObjectsTrackingEnabled())
+            GetAliveObjectsTracker().Untrack(PrimaryPointer());
+        ComponentCount.fetch_sub(1, std::memory_order_relaxed);
+    }
+
+    const void* PrimaryPointer() const noexcept { return static_cast<const ComponentHead*>(this); }
 };
 
 // A new component, with its first reference.

@@ -18,6 +18,11 @@ HRESULT CComponentsModule::QueryInterface(const GUID* iid, void** out) {
         InterfaceEntry{IID_IComponentsModule, static_cast<IComponentsModule*>(this)});
 }
 
+HRESULT CComponentsModule::ReportAliveObjects() {
+    GetAliveObjectsTracker().Report();
+    return S_OK;
+}
+
 int32_t CComponentsModule::LockModule() {
     return ComponentCount.fetch_add(1, std::memory_order_relaxed) + 1;
 }

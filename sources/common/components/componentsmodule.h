@@ -25,7 +25,7 @@ public:
     void TREEVAULT_CALL DeletingDestructor(uint32_t) override {}
 
     HRESULT TREEVAULT_CALL Reserved() override { return S_OK; }
-    HRESULT TREEVAULT_CALL ReportAliveObjects() override { return S_OK; }
+    HRESULT TREEVAULT_CALL ReportAliveObjects() override;
     int32_t TREEVAULT_CALL LockModule() override;
     int32_t TREEVAULT_CALL UnlockModule() override;
     HRESULT TREEVAULT_CALL GetLockState(int32_t* locked) override;

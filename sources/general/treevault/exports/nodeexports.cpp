@@ -4,9 +4,12 @@
 #include "common/errorhandling.h"
 #include "general/treevault/exports/forward.h"
 #include "general/treevault/nodes/acnodeimpl.h"
+#include "general/treevault/presentation/nodelogview.h"
 
 #include <treevault/serialization.h>
 #include <treevault/storage.h>
+
+#include <algorithm>
 
 using namespace treevault;
 
@@ -122,6 +125,20 @@ HRESULT TREEVAULT_CALL AcnGetChildByName(IACNode* node, const WCHAR* name, IACNo
 
 HRESULT TREEVAULT_CALL AcnGetParent(IACNode* node, IACNode** parent) {
     return Forward(node, &IACNode::GetParent, parent);
+}
+
+HRESULT TREEVAULT_CALL AcnGetStringPresentation(IACNode* node, uint32_t mode, WCHAR* buffer,
+                                                size_t* size) {
+    return Boundary([&]() -> HRESULT {
+        const WideText text = NodeLogView(node, mode == 1).ToText();
+        const size_t needed = text.size() + 1;
+        const bool fits = buffer && needed <= *size;
+        *size = needed;
+        if (!fits)
+            return TREEVAULT_E_INSUFFICIENT_BUFFER;
+        std::copy_n(text.c_str(), needed, buffer);
+        return S_OK;
+    });
 }
 
 } // extern "C"

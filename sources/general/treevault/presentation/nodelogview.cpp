@@ -3,6 +3,7 @@
 #include "general/treevault/presentation/nodelogview.h"
 
 #include "common/errorhandling.h"
+#include "general/treevault/presentation/masking.h"
 #include "general/treevault/xml/xmlnodeserializer.h"
 #include "platform/encoding.h"
 
@@ -51,20 +52,32 @@ std::string_view InnerText(std::string_view document) noexcept {
 
 } // namespace
 
-WideText NodeToText(IACNode* node, bool deep) {
-    WideStream text;
-    if (!node)
+NodeLogView::NodeLogView(IACNode* node, bool deep)
+    : Depth(deep ? static_cast<uint32_t>(TREEVAULT_ALL_LEVELS) : 0) {
+    if (node)
+        Node = MaskHiddenAttributes(node, Depth, GetHiddenAttrsConfig());
+}
+
+WideText NodeLogView::ToText() const {
+    if (!Node)
         return TV_W("ACNode[<null>]");
-    const std::string document = NodeToXmlText(node, deep ? TREEVAULT_ALL_LEVELS : 0);
+    const std::string document = NodeToXmlText(Node.Get(), Depth);
+    WideStream text;
     text << TV_W("ACNode[");
-    text.Address(node) << TV_W("]:\r\n");
+    text.Address(Node.Get()) << TV_W("]:\r\n");
     AppendWide(InnerText(document), text.Str());
     return std::move(text.Str());
 }
 
 void LogNode(uint32_t severity, const WCHAR* label, IACNode* node, SourcePlace place) {
     Log(
-        severity, [&](WideStream& line) { line << label << NodeToText(node, true); }, place);
+        severity,
+        [&](WideStream& line) {
+            const KeptErrorRecord record;
+            line << label;
+            line << NodeLogView(node, true).ToText();
+        },
+        place);
 }
 
 void LogPointer(const WCHAR* label, const void* pointer, SourcePlace place) {

@@ -1,19 +1,32 @@
 // SPDX-License-Identifier: MIT
-// Nodes in log lines.
+// Nodes as readable text, for log lines and for clients, less what must not be shown.
 #ifndef TREEVAULT_PRESENTATION_NODELOGVIEW_H
 #define TREEVAULT_PRESENTATION_NODELOGVIEW_H
 
 #include "common/logging.h"
+#include "common/ref.h"
 
 #include <treevault/nodes.h>
 
 namespace treevault {
 
-// The XML text of a node and, if `deep`, of its subtree, behind "ACNode[address]:" and without the
-// outer element; "ACNode[<null>]" for null. Failures are raised.
-WideText NodeToText(IACNode* node, bool deep);
+// One showing of a node, and of its subtree if `deep`. It shows the node itself, or a clone whose
+// hidden attributes are masked if there are any; the node is never changed. Failures are raised.
+class NodeLogView {
+public:
+    // The node may be null.
+    NodeLogView(IACNode* node, bool deep);
 
-// A line of a label and a node with its subtree.
+    // The XML text of the node, named by its path, behind "ACNode[address]:" and without the outer
+    // element; "ACNode[<null>]" for null.
+    WideText ToText() const;
+
+private:
+    Ref<IACNode> Node;
+    uint32_t Depth;
+};
+
+// A line of a label and a node with its subtree. A node that cannot be shown leaves the label.
 void LogNode(uint32_t severity, const WCHAR* label, IACNode* node,
              SourcePlace place = SourcePlace::Here());
 
