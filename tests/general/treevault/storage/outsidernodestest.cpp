@@ -1,82 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Nodes of another module where a storage calls them itself: as configurations that fail or call
 // back, and as roots, whose clones are handed out batch by batch.
-#include "support/storage.h"
+#include "outsidernode.h"
 
 #include <chrono>
 #include <future>
 
 namespace treevault::tests {
 namespace {
-
-// Passes reads on to a node of the library; clones are as told.
-class OutsiderNode final : public IACNode {
-public:
-    explicit OutsiderNode(const Node& target) : Target(target) {}
-
-    HRESULT TypeResult = S_OK, ValueResult = S_OK, CloneResult = S_OK; // failures of these reads
-    IACNode* CloneGiven = nullptr;                                     // in place of a real clone
-    std::function<void()> OnRead, OnClone;
-    uint32_t References = 1;
-
-    uint32_t TREEVAULT_CALL AddRef() override { return ++References; }
-    uint32_t TREEVAULT_CALL Release() override { return --References; }
-    HRESULT TREEVAULT_CALL QueryInterface(const GUID*, void**) override { return E_NOINTERFACE; }
-    HRESULT TREEVAULT_CALL GetName(NodeNameKind kind, WCHAR* buffer, size_t* size) override {
-        return Target->GetName(kind, buffer, size);
-    }
-    HRESULT TREEVAULT_CALL SetName(NodeNameKind, const WCHAR*) override { return E_NOTIMPL; }
-    HRESULT TREEVAULT_CALL GetType(WCHAR* buffer, size_t* size) override {
-        return Target->GetType(buffer, size);
-    }
-    HRESULT TREEVAULT_CALL SetType(const WCHAR*) override { return E_NOTIMPL; }
-    HRESULT TREEVAULT_CALL SetAttribute(const WCHAR*, ValueType, const void*, size_t) override {
-        return E_NOTIMPL;
-    }
-    HRESULT TREEVAULT_CALL DeleteAttribute(const WCHAR*) override { return E_NOTIMPL; }
-    HRESULT TREEVAULT_CALL GetAttribute(const WCHAR* name, const ValueType* wanted, void* buffer,
-                                        size_t* size, ValueType* stored) override {
-        if (OnRead)
-            OnRead();
-        const HRESULT result = size ? ValueResult : TypeResult;
-        return FAILED(result) ? result : Target->GetAttribute(name, wanted, buffer, size, stored);
-    }
-    HRESULT TREEVAULT_CALL GetAttributeNames(WCHAR* buffer, size_t* size) override {
-        return Target->GetAttributeNames(buffer, size);
-    }
-    HRESULT TREEVAULT_CALL SetModifiedState(const WCHAR*, uint32_t) override { return E_NOTIMPL; }
-    HRESULT TREEVAULT_CALL GetModifiedState(const WCHAR*, uint32_t*) override { return E_NOTIMPL; }
-    HRESULT TREEVAULT_CALL GetModifiedAttributeNames(WCHAR*, size_t*) override { return E_NOTIMPL; }
-    HRESULT TREEVAULT_CALL AddChild(IACNode*) override { return E_NOTIMPL; }
-    HRESULT TREEVAULT_CALL RemoveChild(IACNode*) override { return E_NOTIMPL; }
-    HRESULT TREEVAULT_CALL RemoveChildByIndex(uint64_t) override { return E_NOTIMPL; }
-    HRESULT TREEVAULT_CALL GetChildCount(size_t* count) override {
-        return Target->GetChildCount(count);
-    }
-    HRESULT TREEVAULT_CALL GetChildByIndex(uint64_t index, IACNode** child) override {
-        return Target->GetChildByIndex(index, child);
-    }
-    HRESULT TREEVAULT_CALL GetChildByName(const WCHAR* name, IACNode** child) override {
-        return Target->GetChildByName(name, child);
-    }
-    HRESULT TREEVAULT_CALL GetParent(IACNode** parent) override {
-        return Target->GetParent(parent);
-    }
-    HRESULT TREEVAULT_CALL Clone(uint64_t depth, uint32_t flags, IACNode** clone) override {
-        if (OnClone)
-            OnClone();
-        if (FAILED(CloneResult))
-            return CloneResult;
-        if (!CloneGiven)
-            return Target->Clone(depth, flags, clone);
-        CloneGiven->AddRef();
-        *clone = CloneGiven;
-        return S_OK;
-    }
-
-private:
-    Node Target;
-};
 
 class OutsiderNodes : public NodeTest {};
 

@@ -104,6 +104,28 @@ TEST_F(SinkReentry, NestedConfigurationAndDuplicateHandles) {
     EXPECT_EQ("n{x=1}(c)", Forest(Subject));
 }
 
+// The outer group tells of the node that it selected, but it does not put back what it did not
+// take.
+TEST_F(SinkReentry, NestedDeleteOfANodeThatIsStillToBeDeleted) {
+    ASSERT_EQ(S_OK, Subject.Store(StoreMergeAll, "n(d) d"));
+    Watcher.Take();
+    On("deleted /n/c", [&] { EXPECT_EQ(S_OK, Subject.Delete("/n/d")); });
+    Watcher.RefuseOn = "deleted /n/d";
+    Watcher.RefuseAt = 0;
+    int refusals = 0;
+    const auto inner = Watcher.Inside;
+    Watcher.Inside = [&](const std::string& call, const ModifyNotification* told) {
+        // The nested group is let pass, the second time is the outer one's.
+        Watcher.RefuseOn = call == "deleted /n/d" && ++refusals == 2 ? call : "";
+        inner(call, told);
+    };
+    EXPECT_EQ(Refusal, Subject.Delete("/n", Select::Children));
+    EXPECT_EQ((Calls{"start", "deleted /n/c", "start", "deleted /n/d", "child- /n", "precommit",
+                     "finish(1)", "child- /n", "deleted /n/d", "finish(0)"}),
+              Watcher.Take());
+    EXPECT_EQ("d n{x=1}(c)", Forest(Subject));
+}
+
 // --- Beside other threads ------------------------------------------------------------------------
 
 // While a thread waits to register, a nested store must still be able to tell the sinks.

@@ -131,12 +131,18 @@ protected:
             Roots.emplace(name, node); // a name that is there keeps its node
     }
 
-    // A root that has gone already, and whose name another node bears, costs that one nothing.
-    void Detach(const NodeRef& parent, const NodeRef& node, const Text& name) {
-        if (parent)
+    // A root that has gone already, and whose name another node bears, costs that one nothing. False
+    // when nothing was taken out.
+    bool Detach(const NodeRef& parent, const NodeRef& node, const Text& name) {
+        if (parent) {
             parent->RemoveChild(node);
-        else if (const auto found = Roots.find(name); found != Roots.end() && found->second == node)
-            Roots.erase(found);
+            return true;
+        }
+        const auto found = Roots.find(name);
+        if (found == Roots.end() || found->second != node)
+            return false;
+        Roots.erase(found);
+        return true;
     }
 
     // --- Merging ---------------------------------------------------------------------------------
@@ -179,8 +185,7 @@ protected:
 
     void RemoveNode(const NodeRef& parent, const NodeRef& existing, ModelGroup& group,
                     ModifyMask& flags) {
-        Detach(parent, existing, existing->Name);
-        if (Atomicity)
+        if (Detach(parent, existing, existing->Name) && Atomicity)
             group.UndoList.push_back(
                 [this, parent, existing] { Attach(parent, existing, existing->Name); });
         Signal(existing, nullptr, ModifyNodeDeleted, {});

@@ -11,7 +11,7 @@ class PassingNode final : public IACNode {
 public:
     explicit PassingNode(const Node& target) : Target(target) {}
 
-    Text ModifiedNames; // in place of those of the target, if not empty
+    Text ModifiedNames, AttributeNames; // in place of those of the target, if not empty
     HRESULT NameResult = S_OK, TypeResult = S_OK, NamesResult = S_OK, CountResult = S_OK,
             ValueResult = S_OK, CloneResult = S_OK; // failures of these reads
     uint32_t References = 1;
@@ -37,6 +37,8 @@ public:
                                    : Target->GetAttribute(name, wanted, buffer, size, stored);
     }
     HRESULT TREEVAULT_CALL GetAttributeNames(WCHAR* buffer, size_t* size) override {
+        if (!AttributeNames.empty())
+            return Give(AttributeNames, buffer, size);
         return FAILED(NamesResult) ? NamesResult : Target->GetAttributeNames(buffer, size);
     }
     HRESULT TREEVAULT_CALL SetModifiedState(const WCHAR*, uint32_t) override { return E_NOTIMPL; }
@@ -44,11 +46,7 @@ public:
     HRESULT TREEVAULT_CALL GetModifiedAttributeNames(WCHAR* buffer, size_t* size) override {
         if (ModifiedNames.empty())
             return Target->GetModifiedAttributeNames(buffer, size);
-        const bool fits = ModifiedNames.size() <= *size;
-        *size = ModifiedNames.size();
-        if (fits)
-            ModifiedNames.copy(buffer, ModifiedNames.size());
-        return fits ? S_OK : TREEVAULT_E_INSUFFICIENT_BUFFER;
+        return Give(ModifiedNames, buffer, size);
     }
     HRESULT TREEVAULT_CALL AddChild(IACNode*) override { return E_NOTIMPL; }
     HRESULT TREEVAULT_CALL RemoveChild(IACNode*) override { return E_NOTIMPL; }
@@ -70,6 +68,14 @@ public:
     }
 
 private:
+    static HRESULT Give(const Text& names, WCHAR* buffer, size_t* size) {
+        const bool fits = names.size() <= *size;
+        *size = names.size();
+        if (fits)
+            names.copy(buffer, names.size());
+        return fits ? S_OK : TREEVAULT_E_INSUFFICIENT_BUFFER;
+    }
+
     Node Target;
 };
 
@@ -108,6 +114,19 @@ TEST_F(StoringForeign, IsClonedIntoAGroup) {
     EXPECT_EQ(1u, Given.References);
     EXPECT_EQ(S_OK, group.Finish());
     EXPECT_EQ("n:U{a=5 d=4}(l)", Forest(Subject));
+}
+
+// The order of the given node where its attributes are merged, that of the names where they
+// replace.
+TEST_F(StoringForeign, NamesOutOfOrderAreSortedWhereTheyReplace) {
+    Given.AttributeNames = Text(W("d\0a\0"), 4);
+    EXPECT_EQ(S_OK, Store(StoreReplaceAttributes));
+    EXPECT_EQ("changed /n [a d b c]", Watcher.Told.at(1));
+    EXPECT_EQ(S_OK, Subject.Delete("/n/l"));
+    EXPECT_EQ(S_OK, Subject.Store(StoreReplaceAll, "n"));
+    Watcher.Take();
+    EXPECT_EQ(S_OK, Store(StoreMergeAll));
+    EXPECT_EQ("changed /n [d a]", Watcher.Told.at(1));
 }
 
 // A modified name that the node no longer has is a deletion.
