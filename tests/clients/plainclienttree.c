@@ -37,6 +37,23 @@ static void TestNames(void) {
     AcnCloseNodeHandle(node);
 }
 
+static void TestPresentation(void) {
+    static const WCHAR none[] = TREEVAULT_WIDE("ACNode[<null>]");
+    IACNode* node = Create(TREEVAULT_WIDE("n"), NULL);
+    WCHAR text[128];
+    size_t size = 128;
+    EXPECT(AcnGetStringPresentation(NULL, 0, text, &size) == S_OK);
+    EXPECT(size == 15 && IsText(text, none));
+    size = 14;
+    EXPECT(AcnGetStringPresentation(NULL, 0, text, &size) == TREEVAULT_E_INSUFFICIENT_BUFFER);
+    EXPECT(size == 15);
+    /* "ACNode[", the address, "]:", CR LF, a tab and <n n="\n"/> */
+    size = 128;
+    EXPECT(AcnGetStringPresentation(node, 1, text, &size) == S_OK);
+    EXPECT(size == 7 + 18 + 4 + 1 + 11 + 1);
+    AcnCloseNodeHandle(node);
+}
+
 static void TestAttributes(void) {
     IACNode* node = Create(NULL, NULL);
     const int32_t five = 5;
@@ -130,6 +147,7 @@ static void TestHandles(void) {
 
 void TestTree(void) {
     TestNames();
+    TestPresentation();
     TestAttributes();
     TestModification();
     TestChildren();

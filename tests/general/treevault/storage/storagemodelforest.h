@@ -131,8 +131,8 @@ protected:
             Roots.emplace(name, node); // a name that is there keeps its node
     }
 
-    // A root that has gone already, and whose name another node bears, costs that one nothing. False
-    // when nothing was taken out.
+    // A root that has gone already, and whose name another node bears, costs that one nothing.
+    // False when nothing was taken out.
     bool Detach(const NodeRef& parent, const NodeRef& node, const Text& name) {
         if (parent) {
             parent->RemoveChild(node);
