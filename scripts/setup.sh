@@ -5,7 +5,8 @@
 set -euo pipefail
 
 packages=(g++ cmake ninja-build librapidxml-dev libutfcpp-dev uuid-dev libcli11-dev
-    libgtest-dev libgmock-dev libbenchmark-dev libsqlite3-dev binutils clang-format)
+    libgtest-dev libgmock-dev libbenchmark-dev libsqlite3-dev binutils
+    binutils-mingw-w64-x86-64 clang-format)
 if [ "${1:-all}" != linux ]; then
     packages+=(g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 wine googletest)
 fi

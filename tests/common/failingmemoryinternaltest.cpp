@@ -3,7 +3,9 @@
 // does, and nothing leaks.
 #include "common/errordescription.h"
 #include "common/errorhandling.h"
+#include "common/errormessages.h"
 #include "common/functiontrace.h"
+#include "common/messagemodules.h"
 #include "common/widestring.h"
 
 #include "support/errorrecords.h"
@@ -114,6 +116,34 @@ TEST(FailingMemory, LosesLinesAndNothingElse) {
         line << TV_W("a line of more than a few characters");
     };
     EXPECT_LT(0, RunShortOfMemory([&] { Log(SeverityErr, write); }));
+}
+
+TEST(FailingMemory, EndsTheLoadingOfMessageModulesAndNothingElse) {
+    const SeverityInForce severity(SeverityErr);
+    EXPECT_LT(0, RunShortOfMemory([] {
+                  ErrorModuleSet set;
+                  ErrorModuleLoader loader(set);
+                  loader.Load();
+                  loader.WriteLines();
+                  EXPECT_TRUE(refused || set.Primary[0].IsLoaded());
+              }));
+}
+
+TEST(FailingMemory, LeavesALookupOfAMessageWithoutHarm) {
+    const auto code = static_cast<HRESULT>(0x80040209);
+    int failures = 0;
+    WideText text;
+    for (int successes = 0; text.empty(); ++successes) {
+        allocationsLeft = successes;
+        try {
+            text = GetErrorMessage(code);
+        } catch (const std::bad_alloc&) {
+            ++failures;
+        }
+        allocationsLeft = -1;
+    }
+    EXPECT_LT(0, failures);
+    EXPECT_EQ(text, GetErrorMessage(code));
 }
 
 TEST(FailingMemory, LosesTheLinesOfATraceAndKeepsTheIndentation) {

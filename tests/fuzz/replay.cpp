@@ -53,7 +53,7 @@ private:
     void Change(Bytes& bytes) {
         static const std::string Marks = "<>/='\"&;#x !?-[]anrvt013 \n";
         const auto at = bytes.begin() + static_cast<ptrdiff_t>(Below(bytes.size() + 1));
-        switch (Below(5)) {
+        switch (Below(6)) {
         case 0:
             bytes.insert(at, static_cast<uint8_t>(Marks[Below(Marks.size())]));
             break;
@@ -67,9 +67,19 @@ private:
         case 3:
             bytes.erase(at, at + static_cast<ptrdiff_t>(Below(8) % (1 + (bytes.end() - at))));
             break;
+        case 4:
+            Overwrite(bytes, at);
+            break;
         default:
             InsertPiece(bytes, at);
         }
+    }
+
+    // A number of one, two or four bytes, near to an end of its range.
+    void Overwrite(Bytes& bytes, Bytes::iterator at) {
+        const uint64_t number = (Below(2) << (8 * Below(4) + 7)) + Below(9) - 4;
+        for (uint64_t i = 0, size = uint64_t{1} << Below(3); i < size && at != bytes.end(); ++i)
+            *at++ = static_cast<uint8_t>(number >> 8 * i);
     }
 
     // A piece of another text of the corpus.

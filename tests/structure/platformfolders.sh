@@ -15,6 +15,13 @@ exceptions='
 sources/platform/posix/bstr.cpp
 sources/platform/posix/errorrecord.cpp
 sources/platform/posix/filepath.h
+sources/platform/posix/messagefile.cpp
+sources/platform/posix/messagefile.h
+sources/platform/posix/peimage.cpp
+sources/platform/posix/peimage.h
+sources/platform/posix/readfile.cpp
+sources/platform/posix/readfile.h
+sources/platform/windows/formatmessage.h
 '
 
 pairs=$(find sources tools -type d \

@@ -22,13 +22,13 @@ function(expect_refused text pattern)
     expect_failure(1 "^treevault: standard input: ${pattern}")
 endfunction()
 
-expect_refused("" "not the structure of a node document: 0x80040209")
-expect_refused("<nr" "not well-formed XML: 0x80040208 .*\\(.+\\)")
-expect_refused("<nx/>" "not the structure of a node document: 0x80040209")
+expect_refused("" "0x80040209 The structure of the XML text is not that of a node document")
+expect_refused("<nr" "0x80040208 The XML text is not well-formed \\(.+\\)")
+expect_refused("<nx/>" "0x80040209 The structure of the XML text is not that of a node document")
 expect_refused("<nr><n n=\"a\"/><x/></nr>" "top-level node 2: .*0x80040209")
 expect_refused("<nr><n n=\"a\"><n n=\"b\"/><n n=\"b\"/></n></nr>" "top-level node 1: .*0x80040206")
 expect_refused("<nr><n n=\"a\"/><n n=\"a\"/><n n=\"c\"><a n=\"x\" t=\"3\" v=\"abc\"/></n></nr>"
-    "top-level node 3: a value cannot be converted: 0x80040204")
+    "top-level node 3: 0x80040204 The value cannot be converted to the requested type")
 expect_refused("<nr><n n=\"a\"><a n=\"x\" t=\"8\" v=\"1\"/></n></nr>" "top-level node 1: .*0x80040203")
 expect_refused("<nr><n n=\"a\"><a n=\"x\" t=\"70000\" v=\"1\"/></n></nr>"
     "top-level node 1: 0x80070057")

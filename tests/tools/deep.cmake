@@ -33,4 +33,4 @@ expect_output_matches("\n${clamped}.99998. d\n$")
 
 write_deep(deeper.xml 100000)
 treevault(check deeper.xml)
-expect_failure(1 "deeper.xml: not well-formed XML: 0x80040208 .*\\(nesting too deep\\)")
+expect_failure(1 "deeper.xml: 0x80040208 The XML text is not well-formed \\(nesting too deep\\)")

@@ -35,8 +35,6 @@ HRESULT ParseCode(const std::string& text) {
 void Explain(HRESULT code) {
     Output output;
     output.Write(ErrorText(code) + "\n");
-    if (const std::string explanation = Explanation(code); !explanation.empty())
-        output.Write("TreeVault: " + explanation + "\n");
     output.Flush();
 }
 

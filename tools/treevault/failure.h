@@ -24,16 +24,11 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-// What a code of the library's own means, in a few words; empty for any other code. The library
-// itself has words for the codes of the platform alone.
-std::string Explanation(HRESULT code);
-
 // The text of a failure of the library, from the pending error record where there is one. Takes
 // the record.
 std::string ErrorText(HRESULT code);
 
-// Throws for a negative `code`; the message is `what`, the explanation and the text of the failure,
-// with ": " between them.
+// Throws for a negative `code`; the message is `what`, ": " and the text of the failure.
 void Check(HRESULT code, const std::string& what);
 
 } // namespace treevault::program

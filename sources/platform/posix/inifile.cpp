@@ -3,11 +3,9 @@
 #include "platform/inifile.h"
 
 #include "platform/posix/filepath.h"
+#include "platform/posix/readfile.h"
 
 #include <cstring>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace treevault {
 namespace {
@@ -15,43 +13,9 @@ namespace {
 // No settings are as long as this; what is longer is not read at all.
 constexpr size_t LargestFile = 16u << 20;
 
-class File {
-public:
-    // Opening must not wait for somebody to write, should the path name a pipe.
-    explicit File(const char* path) noexcept
-        : Descriptor(open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK)) {}
-    ~File() {
-        if (Descriptor >= 0)
-            close(Descriptor);
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-
-    bool IsOrdinary() const noexcept {
-        struct stat status;
-        return Descriptor >= 0 && fstat(Descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
-               status.st_size <= static_cast<off_t>(LargestFile);
-    }
-
-    bool ReadAll(std::string& content) const {
-        char buffer[8192];
-        ssize_t count;
-        while ((count = read(Descriptor, buffer, sizeof buffer)) > 0) {
-            content.append(buffer, static_cast<size_t>(count));
-            if (content.size() > LargestFile)
-                return false;
-        }
-        return count == 0;
-    }
-
-private:
-    int Descriptor;
-};
-
 // The content as UTF-8, without a byte order mark.
 bool ReadTextFile(const WideText& path, std::string& text) {
-    const File file(NativePath(path).c_str());
-    if (!file.IsOrdinary() || !file.ReadAll(text))
+    if (!ReadOrdinaryFile(NativePath(path).c_str(), LargestFile, text))
         return false;
     if (text.starts_with("\xFF\xFE")) {
         WideText wide(text.size() / 2 - 1, 0);

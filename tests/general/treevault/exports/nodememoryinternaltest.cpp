@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Node functions when memory runs out at each of their allocations: they fail with E_OUTOFMEMORY or
 // std::bad_alloc, change nothing, leak nothing, and succeed once there is memory again.
+#include "common/errormessages.h"
 #include "common/loggerconfig.h"
 #include "support/failingmemory.h"
 #include "support/nodes.h"
@@ -30,8 +31,9 @@ class Memory : public NodeTest {
 protected:
     template <class S>
     void Sweep() {
-        // Settings are read and statics made now, and not again while the sweep lasts.
+        // Settings are read, statics made and texts kept now, and not while the sweep lasts.
         GetLoggerConfig().Refresh();
+        GetErrorMessage(E_OUTOFMEMORY);
         RunOnce<S>(MostAllocations, FailingMemory::Mode::Once);
         const int64_t blocks = FailingMemory::LiveBlocks();
         for (const auto mode : {FailingMemory::Mode::Once, FailingMemory::Mode::ForGood}) {
