@@ -5,17 +5,16 @@
 #include "common/settings.h"
 #include "common/settingvalue.h"
 
+#include <cstddef>
+#include <new>
+
 namespace treevault {
 
 LoggerConfig& GetLoggerConfig() {
-    static LoggerConfig config;
+    alignas(LoggerConfig) static std::byte storage[sizeof(LoggerConfig)];
+    static LoggerConfig& config = *new (storage) LoggerConfig;
     return config;
 }
-
-namespace {
-// Made while the library loads, so that it outlives whatever logs while the library unloads.
-[[maybe_unused]] const LoggerConfig& madeAtLoad = GetLoggerConfig();
-} // namespace
 
 bool LoggerConfig::AddSink(LogSink* sink) noexcept {
     RemoveSink(sink);
@@ -55,23 +54,22 @@ void LoggerConfig::Write(uint32_t severity, WideView message, SourcePlace place,
 }
 
 template <class Value, class Read>
-bool LoggerConfig::ReadCached(const WCHAR* key, std::map<WideText, Value>& cache, Value& value,
-                              Read&& read) {
+bool LoggerConfig::ReadCached(const WCHAR* key, Cache<Value>& cache, Value& value, Read&& read) {
     uint32_t period;
     {
         const std::lock_guard guard(CacheLock);
-        if (const auto found = cache.find(key); found != cache.end()) {
+        if (const auto found = cache.find(WideView(key)); found != cache.end()) {
             value = found->second;
             return true;
         }
-        if (MissCache.contains(key))
+        if (MissCache.contains(WideView(key)))
             return false;
         period = FlushCount;
     }
     const bool found = read();
     const std::lock_guard guard(CacheLock);
     // What was read before a flush must not outlive it.
-    if (period != FlushCount)
+    if (period != FlushCount || Ended)
         return found;
     if (found)
         cache.insert_or_assign(key, value);
@@ -90,20 +88,40 @@ bool LoggerConfig::ReadNumber(const WCHAR* key, uint32_t& value) {
                       [&] { return SUCCEEDED(GetSettingNumber(TV_W("Logger"), key, value)); });
 }
 
-void LoggerConfig::Flush() {
-    const std::lock_guard guard(CacheLock);
+void LoggerConfig::ClearCaches() noexcept {
     StringCache.clear();
     NumberCache.clear();
     MissCache.clear();
+}
+
+void LoggerConfig::Flush() {
+    const std::lock_guard guard(CacheLock);
+    ClearCaches();
     ++FlushCount;
 }
 
 void LoggerConfig::Refresh() {
     Flush();
     detail::MaximumSeverity.store(ReadMaximumSeverity(), std::memory_order_relaxed);
+    Directory.Invalidate();
     // 0 stands for never; a refresh at that very tick counts as one a millisecond later.
     const uint32_t now = TickCount();
     detail::LastSeverityTick.store(now == 0 ? 1 : now, std::memory_order_release);
+}
+
+WideText LoggerConfig::ReadLogDirectory() {
+    RefreshSeverity();
+    return Directory.Get(*this);
+}
+
+// A lock that is taken now belongs to a thread that the end of the process has caught inside.
+void LoggerConfig::End() noexcept {
+    Directory.Clear();
+    const std::unique_lock guard(CacheLock, std::try_to_lock);
+    if (!guard)
+        return;
+    ClearCaches();
+    Ended = true;
 }
 
 namespace {

@@ -4,9 +4,11 @@
 #ifndef TREEVAULT_COMMON_LOGGERCONFIG_H
 #define TREEVAULT_COMMON_LOGGERCONFIG_H
 
+#include "common/logdirectory.h"
 #include "common/logging.h"
 
 #include <array>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <set>
@@ -39,24 +41,40 @@ public:
     // Forgets what was read, reads `MaxSeverity` anew and starts a new period.
     void Refresh();
 
+    // The folder of the log file with its final separator. The setting `Path` is read at most once
+    // per period, and a folder that differs from the one before is made.
+    WideText ReadLogDirectory();
+
+    // For the unloading of the library: gives back the memory that this holds and keeps no setting
+    // from here on. All operations stay usable.
+    void End() noexcept;
+
 private:
     void Flush();
+    void ClearCaches() noexcept;
     uint32_t ReadMaximumSeverity();
 
+    template <class Value>
+    using Cache = std::map<WideText, Value, std::less<>>;
+
     template <class Value, class Read>
-    bool ReadCached(const WCHAR* key, std::map<WideText, Value>& cache, Value& value, Read&& read);
+    bool ReadCached(const WCHAR* key, Cache<Value>& cache, Value& value, Read&& read);
 
     std::array<std::atomic<LogSink*>, 4> Sinks{};
     std::atomic<LogLineFormatter*> Formatter{nullptr};
     DefaultLogLineFormatter BuiltInFormatter;
 
+    LogDirectory Directory;
+
     std::mutex CacheLock; // guards what follows; never held while a source is asked
-    std::map<WideText, WideText> StringCache;
-    std::map<WideText, uint32_t> NumberCache;
-    std::set<WideText> MissCache;
+    Cache<WideText> StringCache;
+    Cache<uint32_t> NumberCache;
+    std::set<WideText, std::less<>> MissCache;
     uint32_t FlushCount = 0; // tells a reader that its answer belongs to an earlier period
+    bool Ended = false;
 };
 
+// Made on first use and never destroyed, so that it serves whatever logs while the library unloads.
 LoggerConfig& GetLoggerConfig();
 
 } // namespace treevault

@@ -6,6 +6,7 @@
 #include "platform/process.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <string_view>
 
@@ -24,10 +25,15 @@ void ReadSeverity() noexcept {
     }
 }
 
+namespace {
+constexpr size_t UsualLength = 127; // of a message, which saves growing it piece by piece
+}
+
 void WriteGuarded(uint32_t severity, SourcePlace place, void (*write)(WideStream&, const void*),
                   const void* context) noexcept {
     try {
         WideStream line;
+        line.Str().reserve(UsualLength);
         try {
             write(line, context);
         } catch (...) {
@@ -61,6 +67,7 @@ namespace {
 constexpr size_t FileNameWidth = 26;
 constexpr size_t LineNumberWidth = 4;
 constexpr int32_t MaximumIndentation = 30;
+constexpr WideView LineEnd = TV_W("\r\n");
 
 // What follows the last separator, cut.
 std::string_view ShownFileName(const char* path) noexcept {
@@ -69,39 +76,61 @@ std::string_view ShownFileName(const char* path) noexcept {
     return name.substr(0, FileNameWidth);
 }
 
-class LineBuilder {
+// What stands before the message: never longer than the sum of its widths, so that it is built
+// without an allocation.
+class LineHead {
 public:
-    explicit LineBuilder(WideText& line) noexcept : Line(line) {}
-
-    LineBuilder& operator<<(WideView text) {
-        Line.append(text);
+    LineHead& operator<<(WideView text) noexcept {
+        End = std::copy(text.begin(), text.end(), End);
         return *this;
     }
 
-    // With zeros in front.
-    LineBuilder& Number(uint64_t number, size_t width) { return Padded(number, width, TV_W('0')); }
-
-    LineBuilder& Padded(uint64_t number, size_t width, WCHAR fill) {
-        const WideText digits = Digits(number);
-        Line.append(width - std::min(width, digits.size()), fill);
-        Line.append(digits);
+    // A source file name.
+    LineHead& operator<<(std::string_view text) noexcept {
+        End = std::copy(text.begin(), text.end(), End);
         return *this;
     }
 
-    LineBuilder& LeftAligned(WideView text, size_t width) {
-        Line.append(text);
-        Line.append(width - std::min(width, text.size()), TV_W(' '));
+    LineHead& Fill(size_t count, WCHAR unit) noexcept {
+        End = std::fill_n(End, count, unit);
         return *this;
     }
 
-    static WideText Digits(uint64_t number) {
-        WideStream stream;
-        stream << number;
-        return std::move(stream.Str());
+    // Aligned to the right.
+    LineHead& Number(uint64_t number, size_t width, WCHAR fill = TV_W('0')) noexcept {
+        const size_t digits = CountDigits(number);
+        Fill(width - std::min(width, digits), fill);
+        WCHAR* at = End += digits;
+        do {
+            *--at = static_cast<WCHAR>(TV_W('0') + number % 10);
+            number /= 10;
+        } while (number != 0);
+        return *this;
     }
+
+    // Aligned to the left.
+    LineHead& NumberLeft(uint64_t number, size_t width) noexcept {
+        Number(number, 0);
+        return Fill(width - std::min(width, CountDigits(number)), TV_W(' '));
+    }
+
+    LineHead& TextLeft(WideView text, size_t width) noexcept {
+        *this << text;
+        return Fill(width - std::min(width, text.size()), TV_W(' '));
+    }
+
+    WideView View() const noexcept { return {Units.data(), End}; }
 
 private:
-    WideText& Line;
+    static size_t CountDigits(uint64_t number) noexcept {
+        size_t count = 1;
+        for (; number >= 10; number /= 10)
+            ++count;
+        return count;
+    }
+
+    std::array<WCHAR, 256> Units;
+    WCHAR* End = Units.data();
 };
 
 } // namespace
@@ -112,24 +141,23 @@ void DefaultLogLineFormatter::Format(WideText& line, uint32_t severity, SourcePl
     const LocalTime time = ToLocalTime(fileTime ? *fileTime : PreciseFileTime());
     const std::string_view file = ShownFileName(place.File);
     const auto depth = static_cast<size_t>(std::clamp(indentation, 0, MaximumIndentation));
+    LineHead head;
+    head.Number(time.Year, 4) << TV_W("-");
+    head.Number(time.Month, 2) << TV_W("-");
+    head.Number(time.Day, 2) << TV_W(" ");
+    head.Number(time.Hour, 2) << TV_W(":");
+    head.Number(time.Minute, 2) << TV_W(":");
+    head.Number(time.Second, 2) << TV_W(".");
+    head.Number(time.Milliseconds, 3).Number(time.FileTime % 10000, 4) << TV_W(" | ");
+    head.TextLeft(SeverityName(severity), 4) << TV_W(" |");
+    head.Number(CurrentProcessId() & 0xFFFF, 5, TV_W(' ')) << TV_W(" ");
+    head.Number(CurrentThreadId() & 0xFFFF, 5, TV_W(' ')) << TV_W(" | ");
+    head << file << TV_W(":");
+    head.NumberLeft(place.Line, FileNameWidth - file.size() + LineNumberWidth) << TV_W("| ");
+    head.Fill(2 * depth, TV_W(' '));
     line.clear();
-    LineBuilder out(line);
-    out.Number(time.Year, 4) << TV_W("-");
-    out.Number(time.Month, 2) << TV_W("-");
-    out.Number(time.Day, 2) << TV_W(" ");
-    out.Number(time.Hour, 2) << TV_W(":");
-    out.Number(time.Minute, 2) << TV_W(":");
-    out.Number(time.Second, 2) << TV_W(".");
-    out.Number(time.Milliseconds, 3).Number(time.FileTime % 10000, 4) << TV_W(" | ");
-    out.LeftAligned(SeverityName(severity), 4) << TV_W(" |");
-    out.Padded(CurrentProcessId() & 0xFFFF, 5, TV_W(' ')) << TV_W(" ");
-    out.Padded(CurrentThreadId() & 0xFFFF, 5, TV_W(' ')) << TV_W(" | ");
-    line.append(file.begin(), file.end());
-    out << TV_W(":");
-    out.LeftAligned(LineBuilder::Digits(place.Line), FileNameWidth - file.size() + LineNumberWidth)
-        << TV_W("| ");
-    line.append(2 * depth, TV_W(' '));
-    out << message << TV_W("\r\n");
+    line.reserve(head.View().size() + message.size() + LineEnd.size());
+    line.append(head.View()).append(message).append(LineEnd);
 }
 
 } // namespace treevault

@@ -68,15 +68,19 @@ struct ProcessSettings {
 constinit std::atomic<ProcessSettings*> processSettings{nullptr};
 constinit std::atomic<bool> unloading{false};
 
-// Made while the library loads, so that it ends after whatever a client's static objects read while
-// they are destroyed.
 struct SettingsEnd {
     ~SettingsEnd() {
         unloading = true;
         delete processSettings.exchange(nullptr);
     }
 };
-const SettingsEnd settingsEnd;
+
+// Made while the library loads, so that it ends after whatever a client's static objects read while
+// they are destroyed; and before those of the library that read settings in their constructors.
+void EndWithLibrary() {
+    static const SettingsEnd end;
+}
+[[maybe_unused]] const bool endsWithLibrary = (EndWithLibrary(), true);
 
 } // namespace
 
@@ -87,6 +91,7 @@ SettingsSourceList* GetSettingsSources() {
         const std::lock_guard guard(making);
         settings = processSettings.load(std::memory_order_relaxed);
         if (!settings) {
+            EndWithLibrary();
             settings = RaisingOutOfMemory([] { return new ProcessSettings; });
             processSettings.store(settings, std::memory_order_release);
         }

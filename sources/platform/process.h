@@ -43,6 +43,17 @@ ModulePlace ExecutablePlace();
 // False, with `place` untouched, when the library's code is part of the executable.
 bool LibraryPlace(ModulePlace& place);
 
+// Full paths of files, with "\" on Linux too. The library is the executable when its code is part
+// of that. Empty if the platform cannot tell.
+WideText ExecutablePath();
+WideText LibraryPath();
+
+// Where the library's code was loaded.
+const void* LibraryBase() noexcept;
+
+// On Linux the arguments with blanks between them.
+WideText ProcessCommandLine();
+
 } // namespace treevault
 
 #endif

@@ -4,12 +4,17 @@
 #include "common/errordescription.h"
 #include "common/errorhandling.h"
 #include "common/errormessages.h"
+#include "common/filelogger.h"
 #include "common/functiontrace.h"
 #include "common/messagemodules.h"
 #include "common/widestring.h"
 
 #include "support/errorrecords.h"
 #include "support/logcapture.h"
+#include "support/logfiles.h"
+#include "support/openfiles.h"
+#include "support/settingsource.h"
+#include "support/temporaryfolder.h"
 
 #include <gtest/gtest.h>
 
@@ -116,6 +121,23 @@ TEST(FailingMemory, LosesLinesAndNothingElse) {
         line << TV_W("a line of more than a few characters");
     };
     EXPECT_LT(0, RunShortOfMemory([&] { Log(SeverityErr, write); }));
+}
+
+TEST(FailingMemory, LosesLinesOfTheLogFileAndNothingElse) {
+    const TemporaryFolder folder;
+    TestSource settings;
+    settings.Values[TV_W("Path")] = TextOfPath(folder.Path);
+    settings.Values[TV_W("KeepOpenInterval")] = TV_W("0");
+    FileLogger logger(TV_W("x.log"), TV_W(""));
+    EXPECT_LT(0, RunShortOfMemory([&] {
+                  detail::LastSeverityTick.store(0); // all settings are read anew
+                  logger.Write(TV_W("a\n"), -1);
+              }));
+    EXPECT_FALSE(IsOpen(folder.Path / "x.log"));
+    const std::string log = ReadLog(folder.Path / "x.log");
+    EXPECT_TRUE(log.starts_with("a\n"));
+    EXPECT_EQ(log.npos, log.find("aa"));
+    EXPECT_EQ(log.npos, log.find("\n\n"));
 }
 
 TEST(FailingMemory, EndsTheLoadingOfMessageModulesAndNothingElse) {

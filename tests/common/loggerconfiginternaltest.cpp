@@ -4,54 +4,14 @@
 #include "common/settings.h"
 
 #include "support/logcapture.h"
+#include "support/settingsource.h"
 
 #include <gtest/gtest.h>
-
-#include <map>
-#include <string>
 
 namespace treevault {
 namespace {
 
 using namespace tests;
-
-// A source of the process that goes before all others while it lives, and notes who asked.
-class TestSource final : public SettingsSource {
-public:
-    TestSource() {
-        GetSettingsSources()->Add(this);
-        GetLoggerConfig().Refresh();
-        Asked = 0;
-    }
-    ~TestSource() override {
-        GetSettingsSources()->Remove(this);
-        GetLoggerConfig().Refresh();
-    }
-    TestSource(const TestSource&) = delete;
-    TestSource& operator=(const TestSource&) = delete;
-
-    HRESULT GetString(const WCHAR* section, const WCHAR* key, WideText& out) override {
-        ++Asked;
-        LastSection = section ? section : TV_W("");
-        const auto found = Values.find(key);
-        if (found == Values.end())
-            return static_cast<HRESULT>(0x80070490);
-        out = found->second;
-        return S_OK;
-    }
-
-    HRESULT GetNumber(const WCHAR* section, const WCHAR* key, uint32_t& out) override {
-        WideText text;
-        const HRESULT hr = GetString(section, key, text);
-        if (SUCCEEDED(hr))
-            out = static_cast<uint32_t>(std::stoul(ToUtf8(text)));
-        return hr;
-    }
-
-    std::map<WideText, WideText> Values;
-    int Asked = 0;
-    WideText LastSection;
-};
 
 // --- MaxSeverity ---------------------------------------------------------------------------------
 

@@ -2,6 +2,7 @@
 // The log: which lines are written, to whom, and that building a line harms nobody.
 #include "common/errorhandling.h"
 #include "common/logging.h"
+#include "common/logmanager.h"
 
 #include "support/logcapture.h"
 
@@ -125,9 +126,13 @@ private:
 
 class Sinks : public testing::Test {
 protected:
+    // The log file has a place too.
+    void SetUp() override { GetLoggerConfig().RemoveSink(GetFileLogger()); }
+
     void TearDown() override {
         for (NamedSink* sink : {&A, &B, &C, &D, &E})
             GetLoggerConfig().RemoveSink(sink);
+        GetLoggerConfig().AddSink(GetFileLogger());
     }
 
     // Who gets a line, in order.

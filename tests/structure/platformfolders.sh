@@ -21,6 +21,8 @@ sources/platform/posix/peimage.cpp
 sources/platform/posix/peimage.h
 sources/platform/posix/readfile.cpp
 sources/platform/posix/readfile.h
+sources/platform/posix/systemcode.h
+sources/platform/posix/withheldsignal.h
 sources/platform/windows/formatmessage.h
 '
 

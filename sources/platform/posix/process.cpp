@@ -5,8 +5,11 @@
 #include "platform/encoding.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <pthread.h>
 #include <sys/auxv.h>
@@ -14,8 +17,17 @@
 
 namespace treevault {
 
+namespace {
+constinit std::atomic<uint32_t> knownProcessId{0}; // asking is a system call
+} // namespace
+
 uint32_t CurrentProcessId() noexcept {
-    return static_cast<uint32_t>(getpid());
+    uint32_t known = knownProcessId.load(std::memory_order_relaxed);
+    if (known == 0) {
+        known = static_cast<uint32_t>(getpid());
+        knownProcessId.store(known, std::memory_order_relaxed);
+    }
+    return known;
 }
 
 namespace detail {
@@ -30,9 +42,11 @@ uint32_t LearnThreadId() noexcept {
 
 namespace {
 
-// The thread that comes out of a fork has an id of its own.
-[[maybe_unused]] const int forgetsAtFork =
-    pthread_atfork(nullptr, nullptr, [] { detail::KnownThreadId = 0; });
+// What comes out of a fork has ids of its own.
+[[maybe_unused]] const int forgetsAtFork = pthread_atfork(nullptr, nullptr, [] {
+    detail::KnownThreadId = 0;
+    knownProcessId = 0;
+});
 
 struct FreeText {
     void operator()(char* text) const noexcept { std::free(text); }
@@ -54,26 +68,33 @@ bool IsPartOfExecutable(const Dl_info& module) noexcept {
     return FindModule(headers, executable) && executable.dli_fbase == module.dli_fbase;
 }
 
+bool FindLibrary(Dl_info& module) noexcept {
+    static const char inside = 0;
+    return FindModule(&inside, module);
+}
+
 // The file of the library; empty when that is the executable, or unknown. A relative path holds
 // only as long as the current directory does, so it is resolved once, while the library loads.
 const std::string& LibraryFile() {
     static const std::string file = [] {
-        static const char inside = 0;
         Dl_info module;
-        return FindModule(&inside, module) && !IsPartOfExecutable(module)
-                   ? ResolvePath(module.dli_fname)
-                   : std::string();
+        return FindLibrary(module) && !IsPartOfExecutable(module) ? ResolvePath(module.dli_fname)
+                                                                  : std::string();
     }();
     return file;
 }
 
 [[maybe_unused]] const std::string& resolvedAtLoad = LibraryFile();
 
+WideText TextOfPath(std::string_view path) {
+    WideText text = ToWide(path);
+    std::replace(text.begin(), text.end(), TV_W('/'), PathSeparator);
+    return text;
+}
+
 // Splits a path at its last separator and cuts the file name where `findEnd` says.
 template <class FindEnd>
-ModulePlace Split(const std::string& path, FindEnd&& findEnd) {
-    WideText wide = ToWide(path);
-    std::replace(wide.begin(), wide.end(), TV_W('/'), PathSeparator);
+ModulePlace Split(const WideText& wide, FindEnd&& findEnd) {
     const size_t nameAt = wide.rfind(PathSeparator) + 1; // 0 for none
     const WideText name = wide.substr(nameAt);
     return {wide.substr(0, nameAt), name.substr(0, findEnd(name))};
@@ -81,18 +102,39 @@ ModulePlace Split(const std::string& path, FindEnd&& findEnd) {
 
 } // namespace
 
-ModulePlace ExecutablePlace() {
+WideText ExecutablePath() {
     const std::unique_ptr<char, FreeText> path(realpath("/proc/self/exe", nullptr));
-    if (!path)
-        return {};
-    return Split(path.get(), [](const WideText& name) { return name.rfind(TV_W('.')); });
+    return path ? TextOfPath(path.get()) : WideText();
+}
+
+ModulePlace ExecutablePlace() {
+    return Split(ExecutablePath(), [](const WideText& name) { return name.rfind(TV_W('.')); });
 }
 
 bool LibraryPlace(ModulePlace& place) {
     if (LibraryFile().empty())
         return false;
-    place = Split(LibraryFile(), [](const WideText& name) { return name.find(TV_W(".so")); });
+    place = Split(TextOfPath(LibraryFile()),
+                  [](const WideText& name) { return name.find(TV_W(".so")); });
     return true;
+}
+
+WideText LibraryPath() {
+    return LibraryFile().empty() ? ExecutablePath() : TextOfPath(LibraryFile());
+}
+
+const void* LibraryBase() noexcept {
+    Dl_info module;
+    return FindLibrary(module) ? module.dli_fbase : nullptr;
+}
+
+WideText ProcessCommandLine() {
+    std::ifstream file("/proc/self/cmdline", std::ios::binary);
+    std::string arguments(std::istreambuf_iterator<char>(file), {});
+    if (arguments.ends_with('\0'))
+        arguments.pop_back();
+    std::replace(arguments.begin(), arguments.end(), '\0', ' ');
+    return ToWide(arguments);
 }
 
 } // namespace treevault

@@ -40,16 +40,41 @@ ModulePlace ExecutablePlace() {
     return Split(ModuleFileName(nullptr));
 }
 
-bool LibraryPlace(ModulePlace& place) {
+namespace {
+
+HMODULE LibraryModule() noexcept {
     static const char inside = 0;
     HMODULE module = nullptr;
-    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
-                                GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                            reinterpret_cast<const WCHAR*>(&inside), &module) ||
-        module == GetModuleHandleW(nullptr))
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                           GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       reinterpret_cast<const WCHAR*>(&inside), &module);
+    return module;
+}
+
+} // namespace
+
+bool LibraryPlace(ModulePlace& place) {
+    const HMODULE module = LibraryModule();
+    if (!module || module == GetModuleHandleW(nullptr))
         return false;
     place = Split(ModuleFileName(module));
     return true;
+}
+
+WideText ExecutablePath() {
+    return ModuleFileName(nullptr);
+}
+
+WideText LibraryPath() {
+    return ModuleFileName(LibraryModule());
+}
+
+const void* LibraryBase() noexcept {
+    return LibraryModule();
+}
+
+WideText ProcessCommandLine() {
+    return GetCommandLineW();
 }
 
 } // namespace treevault

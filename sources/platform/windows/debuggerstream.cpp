@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+// What a debugger shows.
+#include "platform/debuggerstream.h"
+
+namespace treevault {
+
+void WriteToDebugger(const WideText& text) {
+    OutputDebugStringW(text.c_str());
+}
+
+} // namespace treevault
