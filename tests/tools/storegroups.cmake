@@ -6,7 +6,7 @@ write(base.xml [[<nr><n n="r"><a n="a" v="1"/></n></nr>]])
 write(good.xml [[<nr><n n="g"/></nr>]])
 # The third node has no parent: the first two are stored before it, the last is not.
 write(orphan.xml [[<nr><n n="r"><a n="a" v="2"/></n><n n="t"/><n n="\x\y"/><n n="u"/></nr>]])
-set(missing "cannot store: a parent is missing: 0x80040303")
+set(missing "cannot store: 0x80040303 The parent of the node is not in the storage")
 
 treevault(store base.xml orphan.xml)
 expect_success()
@@ -15,7 +15,7 @@ expect_output([[<nr><n n="r"><a n="a" v="2"/></n><n n="t"/><n n="u"/><n n="x"><n
 # Nothing is written, whether the group is the first or not.
 write(out.xml "old")
 treevault(store base.xml orphan.xml --no-build-parents)
-expect_failure(1 "^treevault: orphan.xml: ${missing} [^\n]*\n$")
+expect_failure(1 "^treevault: orphan.xml: ${missing}\n$")
 foreach(files orphan.xml\;good.xml good.xml\;orphan.xml)
     treevault(store base.xml ${files} --no-build-parents -o out.xml)
     expect_failure(1 "^treevault: orphan.xml: ${missing}")

@@ -23,6 +23,8 @@ function(treevault)
         execute_process(COMMAND ${EMULATOR_COMMAND} [==[${PROGRAM}]==] ${arguments} ${input}
             WORKING_DIRECTORY [==[${WORK}]==]
             OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE status)")
+    # What the log tells of its own file is no word of the program's.
+    string(REGEX REPLACE "FileLogger: [^\n]*\n" "" err "${err}")
     set(out "${out}" PARENT_SCOPE)
     set(err "${err}" PARENT_SCOPE)
     set(status "${status}" PARENT_SCOPE)
