@@ -13,6 +13,7 @@ function(on_terminal environment command)
         ${SCRIPT_PROGRAM} -qec "${PROGRAM} ${command}" /dev/null
         WORKING_DIRECTORY ${WORK} OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE status)
     string(REPLACE "\r\n" "\n" out "${out}") # a terminal's line ends
+    string(REGEX REPLACE "FileLogger: [^\n]*\n" "" out "${out}") # the terminal shows both streams
     set(out "${out}" PARENT_SCOPE)
     set(err "${err}" PARENT_SCOPE)
     set(status "${status}" PARENT_SCOPE)

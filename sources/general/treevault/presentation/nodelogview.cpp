@@ -18,11 +18,12 @@ HRESULT TREEVAULT_CALL AppendBytes(const char* text, uint64_t size, void* contex
     return S_OK;
 }
 
-std::string NodeToXmlText(IACNode* node, uint64_t depth) {
+std::string NodeToXmlText(IACNode* node, uint64_t depth, size_t most) {
     std::string bytes;
     const auto serializer = MakeComponent<CXMLNodeSerializer>(
         &AppendBytes, &bytes,
         static_cast<uint32_t>(NodeSerializerFlagFullPath | NodeSerializerFlagIndent));
+    serializer->LimitText(most);
     HRES{serializer->SerializeNodes(&node, 1, depth)};
     HRES{serializer->Finalize()};
     if (!bytes.empty() && bytes.back() == 0)
@@ -58,10 +59,10 @@ NodeLogView::NodeLogView(IACNode* node, bool deep)
         Node = MaskHiddenAttributes(node, Depth, GetHiddenAttrsConfig());
 }
 
-WideText NodeLogView::ToText() const {
+WideText NodeLogView::ToText(size_t most) const {
     if (!Node)
         return TV_W("ACNode[<null>]");
-    const std::string document = NodeToXmlText(Node.Get(), Depth);
+    const std::string document = NodeToXmlText(Node.Get(), Depth, most);
     WideStream text;
     text << TV_W("ACNode[");
     text.Address(Node.Get()) << TV_W("]:\r\n");
@@ -69,13 +70,17 @@ WideText NodeLogView::ToText() const {
     return std::move(text.Str());
 }
 
+// A text beyond this helps nobody, and that of a deep tree, whose lines are indented, may be larger
+// than any memory.
+constexpr size_t LongestLine = size_t{16} << 20;
+
 void LogNode(uint32_t severity, const WCHAR* label, IACNode* node, SourcePlace place) {
     Log(
         severity,
         [&](WideStream& line) {
             const KeptErrorRecord record;
             line << label;
-            line << NodeLogView(node, true).ToText();
+            line << NodeLogView(node, true).ToText(LongestLine);
         },
         place);
 }

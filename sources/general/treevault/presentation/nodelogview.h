@@ -8,6 +8,8 @@
 
 #include <treevault/nodes.h>
 
+#include <cstdint>
+
 namespace treevault {
 
 // One showing of a node, and of its subtree if `deep`. It shows the node itself, or a clone whose
@@ -18,8 +20,8 @@ public:
     NodeLogView(IACNode* node, bool deep);
 
     // The XML text of the node, named by its path, behind "ACNode[address]:" and without the outer
-    // element; "ACNode[<null>]" for null.
-    WideText ToText() const;
+    // element; "ACNode[<null>]" for null. More than `most` bytes of XML raise std::bad_alloc.
+    WideText ToText(size_t most = SIZE_MAX) const;
 
 private:
     Ref<IACNode> Node;

@@ -4,8 +4,10 @@
 #define TREEVAULT_XML_OUTPUTBUFFER_H
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string_view>
 
 namespace treevault {
@@ -19,6 +21,9 @@ public:
     const char* Data() const noexcept { return Bytes.get(); }
     size_t Size() const noexcept { return Used; }
     void Clear() noexcept { Used = 0; }
+
+    // What would grow beyond `most` bytes raises std::bad_alloc from now on.
+    void Limit(size_t most) noexcept { Most = most; }
 
     // Room for `size` bytes at the end. What is written there counts after Commit.
     char* Room(size_t size) {
@@ -42,6 +47,8 @@ public:
 
 private:
     void Grow(size_t size) {
+        if (Used > Most || size > Most - Used)
+            throw std::bad_alloc();
         size_t capacity = Capacity * 2;
         if (capacity - Used < size)
             capacity = Used + size;
@@ -54,6 +61,7 @@ private:
     std::unique_ptr<char[]> Bytes;
     size_t Capacity;
     size_t Used = 0;
+    size_t Most = SIZE_MAX;
 };
 
 } // namespace treevault

@@ -24,6 +24,9 @@ public:
     HRESULT TREEVAULT_CALL SerializeNodes(IACNode** nodes, uint64_t count, uint64_t depth) override;
     HRESULT TREEVAULT_CALL Finalize() override;
 
+    // For a context that is not finished, see XmlNodeWriter.
+    void LimitText(size_t most) const noexcept { Writer->LimitText(most); }
+
 protected:
     ~CXMLNodeSerializer() = default;
 

@@ -28,6 +28,9 @@ public:
 
     void EndNode(IACNode* node) override;
 
+    // A text of more than `most` bytes raises std::bad_alloc when it is printed.
+    void LimitText(size_t most) noexcept { Output.Limit(most); }
+
     // Prints the document and calls back with the text. It can be called again.
     void Finalize();
 
