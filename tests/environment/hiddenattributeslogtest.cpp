@@ -67,5 +67,21 @@ TEST_F(HiddenAttributesLog, ShowsTheMask) {
     }
 }
 
+// The indented text of 5,000 levels is larger than a line may be.
+TEST_F(HiddenAttributesLog, ShowsNoNodeBeyondTheLongestLine) {
+    Node top = Create(W("top"));
+    Node at = top;
+    for (int level = 1; level < 5000; ++level)
+        at = AddNew(at, W("n"));
+    Storage storage;
+    IACNode* nodes[] = {top};
+    const LogCapture capture;
+    EXPECT_EQ(S_OK, StgStoreData(storage, nullptr, StoreMergeAll, nodes, 1));
+    size_t labels = 0;
+    for (const std::string& message : capture.Messages())
+        labels += message.find("Storing: ... (***EXCEPTION***)") != std::string::npos;
+    EXPECT_EQ(1u, labels);
+}
+
 } // namespace
 } // namespace treevault::tests
