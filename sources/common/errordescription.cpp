@@ -89,7 +89,9 @@ ErrorDescription::Parsed ErrorDescription::Parse(WideView view) {
 }
 
 void ErrorDescription::AddFrames(void* const* frames, unsigned frameCount) {
-    if (frameCount == 0)
+    // A record that nobody takes is found again by each equal failure behind it.
+    constexpr size_t mostDetails = 4096;
+    if (frameCount == 0 || Details.size() > mostDetails)
         return;
     WideStream group;
     for (unsigned i = 0; i < frameCount; ++i) {

@@ -45,8 +45,8 @@ void LogDirectory::Update(LoggerConfig& settings) {
     WideText path = MakeLogDirectory(*Resolver, setting);
     if (path == Path)
         return;
+    MakeFolders(path);
     Path = std::move(path);
-    MakeFolders(Path);
 }
 
 void LogDirectory::Clear() noexcept {

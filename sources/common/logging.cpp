@@ -2,6 +2,7 @@
 // Forming and writing of log lines.
 #include "common/logging.h"
 
+#include "common/errorhandling.h"
 #include "common/loggerconfig.h"
 #include "platform/process.h"
 
@@ -18,6 +19,7 @@ std::atomic<uint32_t> LastSeverityTick{0};
 std::atomic<uint32_t> MaximumSeverity{SeverityDbg};
 
 void ReadSeverity() noexcept {
+    const KeptErrorRecord record;
     try {
         GetLoggerConfig().Refresh();
     } catch (...) {

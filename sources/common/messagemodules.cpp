@@ -31,19 +31,6 @@ WideText LibraryFolder() {
     return LibraryPlace(place) ? place.Directory : ExecutablePlace().Directory;
 }
 
-// The thread's error record, out of the way of the failures of the loading, and back at the end:
-// who asks for a text keeps the record that is pending.
-class RecordKept {
-public:
-    RecordKept() noexcept { GetErrorInfo(0, Record.Put()); }
-    ~RecordKept() { SetErrorInfo(0, Record.Get()); }
-    RecordKept(const RecordKept&) = delete;
-    RecordKept& operator=(const RecordKept&) = delete;
-
-private:
-    Ref<IErrorInfo> Record;
-};
-
 } // namespace
 
 ErrorModuleSet::~ErrorModuleSet() {
@@ -151,7 +138,7 @@ const ErrorModuleSet* GetErrorModuleSet() {
     if (state.load(std::memory_order_acquire) == State::NotLoaded) {
         if (IsLoadingErrorModules())
             return nullptr;
-        const RecordKept record;
+        const KeptErrorRecord record;
         ErrorModuleLoader loader(processModules);
         LoadOnce(loader);
         // Only now: whoever receives a line may wait for locks whose holders wait for the set.

@@ -71,7 +71,10 @@ constinit std::atomic<bool> unloading{false};
 struct SettingsEnd {
     ~SettingsEnd() {
         unloading = true;
-        delete processSettings.exchange(nullptr);
+        // A lock that is taken now belongs to a thread that the end of the process has caught.
+        ProcessSettings* const settings = processSettings.exchange(nullptr);
+        if (settings && settings->List.IsFree())
+            delete settings;
     }
 };
 

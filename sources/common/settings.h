@@ -36,6 +36,9 @@ public:
     void Add(SettingsSource* source);
     void Remove(SettingsSource* source) noexcept;
 
+    // Whether no thread is inside an operation at this moment.
+    bool IsFree() noexcept { return std::unique_lock(Lock, std::try_to_lock).owns_lock(); }
+
     // Ask the sources from the last to the first, and end with the first result that is a success
     // or E_ABORT. 0x80070490 when there is none. Raise E_OUTOFMEMORY.
     HRESULT GetString(const WCHAR* section, const WCHAR* key, WideText& out);

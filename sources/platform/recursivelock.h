@@ -31,6 +31,16 @@ public:
         NodeLocksOrder::NoteEntered();
     }
 
+    // Never waits.
+    bool TryEnter() noexcept {
+        uint32_t seen = 0;
+        if (!Owner.compare_exchange_strong(seen, CurrentThreadId(), std::memory_order_acquire,
+                                           std::memory_order_relaxed))
+            return false;
+        NodeLocksOrder::NoteEntered();
+        return true;
+    }
+
     void Leave() noexcept {
         NodeLocksOrder::NoteLeaving();
         if (Depth != 0)

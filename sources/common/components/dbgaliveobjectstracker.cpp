@@ -6,19 +6,29 @@
 #include "common/settings.h"
 #include "platform/callstack.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <iterator>
+#include <new>
 #include <string_view>
 
 namespace treevault {
 
 AliveObjectsTracker& GetAliveObjectsTracker() {
-    static AliveObjectsTracker tracker;
+    alignas(AliveObjectsTracker) static std::byte storage[sizeof(AliveObjectsTracker)];
+    static AliveObjectsTracker& tracker = *new (storage) AliveObjectsTracker;
     return tracker;
 }
 
 namespace {
 
-[[maybe_unused]] const AliveObjectsTracker& madeAtLoad = GetAliveObjectsTracker();
+constexpr uint32_t DeepestStack = 0xFFFF; // more than the platforms can skip
+
+struct TrackerEnd {
+    TrackerEnd() { GetAliveObjectsTracker(); }
+    ~TrackerEnd() { GetAliveObjectsTracker().End(); }
+};
+[[maybe_unused]] const TrackerEnd trackerEnd; // made, as the tracker is, while the library loads
 
 // The name of this file in the lines of the report.
 SourcePlace ReportPlace(uint32_t line = __builtin_LINE()) noexcept {
@@ -43,14 +53,17 @@ AliveObjectsTracker::AliveObjectsTracker() {
     if (enabled && FAILED(GetSettingNumber(TV_W("Debug"), TV_W("AliveObjectsTrackingFramesToSkip"),
                                            FramesToSkip)))
         FramesToSkip = 0;
+    FramesToSkip = std::min(FramesToSkip, DeepestStack);
     detail::AliveObjectsTrackingEnabled = enabled;
 }
 
-// Components that die later find tracking off.
-AliveObjectsTracker::~AliveObjectsTracker() {
+// A lock that is taken now belongs to a thread that the end of the process has caught inside.
+void AliveObjectsTracker::End() noexcept {
     detail::AliveObjectsTrackingEnabled = false;
-    const LockGuard guard(Lock);
+    if (!Lock.TryEnter())
+        return;
     Records.clear();
+    Lock.Leave();
 }
 
 __attribute__((noinline)) void AliveObjectsTracker::Track(const char* tag, const void* object) {

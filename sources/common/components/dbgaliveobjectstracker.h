@@ -22,7 +22,6 @@ class AliveObjectsTracker {
 public:
     // Reads the settings.
     AliveObjectsTracker();
-    ~AliveObjectsTracker();
     AliveObjectsTracker(const AliveObjectsTracker&) = delete;
     AliveObjectsTracker& operator=(const AliveObjectsTracker&) = delete;
 
@@ -34,6 +33,10 @@ public:
     // Writes the number of objects and a line for each to the log, in the order of addresses;
     // nothing when there are none or tracking is off.
     void Report() noexcept;
+
+    // Turns tracking off for good and forgets the objects. The tracker is never destroyed:
+    // components that die later find tracking off.
+    void End() noexcept;
 
 private:
     uint32_t FramesToSkip = 0;

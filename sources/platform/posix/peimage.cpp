@@ -95,8 +95,12 @@ bool Image::ReadOptionalHeader(uint64_t at, uint32_t size) {
            header.Read(directoriesAt + resources * sizeof(DataDirectory), Resources);
 }
 
-// What a section has in the file must be there.
+// What a section has in the file must be there. There are no more of them than Windows loads, so
+// that looking an address up costs little.
 bool Image::ReadSections(uint64_t at, uint32_t count) {
+    constexpr uint32_t mostSections = 96;
+    if (count > mostSections)
+        return false;
     for (uint32_t i = 0; i < count; ++i) {
         Section section;
         ByteView content;

@@ -133,6 +133,19 @@ TEST_F(DamagedModule, HasMoreSectionsThanBytes) {
     ExpectRefused();
 }
 
+TEST_F(DamagedModule, MayHave96SectionsAndNoMore) {
+    const std::string section = Bytes.substr(SectionAt, 40);
+    // The table of sections stands at the end now.
+    Put16At(Bytes, HeadersAt + 20, Bytes.size() - OptionalHeaderAt);
+    for (int i = 0; i < 96; ++i)
+        Bytes += section;
+    Put16At(Bytes, HeadersAt + 6, 96);
+    EXPECT_EQ("five", TextIn(Bytes, 5));
+    Bytes += section;
+    Put16At(Bytes, HeadersAt + 6, 97);
+    ExpectRefused();
+}
+
 TEST_F(DamagedModule, HasASectionBeyondItsEnd) {
     for (const uint64_t at : {0x201u, 0x400u, 0xFFFFFFFFu}) {
         Put32At(Bytes, SectionAt + 20, at);

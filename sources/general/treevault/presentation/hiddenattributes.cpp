@@ -6,6 +6,9 @@
 #include "common/settings.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <mutex>
+#include <new>
 #include <vector>
 
 namespace treevault {
@@ -49,10 +52,46 @@ void HiddenAttrsConfig::AddRule(WideView rule) {
             names.emplace(name);
 }
 
-const HiddenAttrsConfig& GetHiddenAttrsConfig() {
-    static const HiddenAttrsConfig config(
-        GetStringSetting(TV_W("Logger"), TV_W("HiddenNodeTypeAttrs"), TV_W("")));
+namespace {
+
+// Never destroyed, so that static objects and threads of the client find it to the last moment.
+struct ProcessConfig {
+    std::mutex Lock;
+    std::shared_ptr<const HiddenAttrsConfig> Config;
+    bool Ended = false;
+};
+
+ProcessConfig& GetProcessConfig() {
+    alignas(ProcessConfig) static std::byte storage[sizeof(ProcessConfig)];
+    static ProcessConfig& config = *new (storage) ProcessConfig;
     return config;
+}
+
+// Made while the library loads, so that it ends after the static objects of clients.
+struct ConfigEnd {
+    ConfigEnd() { GetProcessConfig(); }
+    ~ConfigEnd() {
+        ProcessConfig& process = GetProcessConfig();
+        // A lock that is taken now belongs to a thread that the end of the process has caught.
+        if (const std::unique_lock guard(process.Lock, std::try_to_lock); guard) {
+            process.Ended = true;
+            process.Config.reset();
+        }
+    }
+};
+[[maybe_unused]] const ConfigEnd configEnd;
+
+} // namespace
+
+std::shared_ptr<const HiddenAttrsConfig> GetHiddenAttrsConfig() {
+    ProcessConfig& process = GetProcessConfig();
+    const std::lock_guard guard(process.Lock);
+    if (process.Ended)
+        ThrowHr(E_UNEXPECTED);
+    if (!process.Config)
+        process.Config = std::make_shared<const HiddenAttrsConfig>(
+            GetStringSetting(TV_W("Logger"), TV_W("HiddenNodeTypeAttrs"), TV_W("")));
+    return process.Config;
 }
 
 } // namespace treevault

@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <set>
 
 namespace treevault {
@@ -48,8 +49,9 @@ private:
 };
 
 // What the setting says, read once for the process. A malformed setting raises E_INVALIDARG each
-// time, and is read anew the next time.
-const HiddenAttrsConfig& GetHiddenAttrsConfig();
+// time, and is read anew the next time. Raises E_UNEXPECTED once the library is being unloaded:
+// nothing is shown of which nobody knows any more whether it is hidden.
+std::shared_ptr<const HiddenAttrsConfig> GetHiddenAttrsConfig();
 
 } // namespace treevault
 

@@ -79,11 +79,14 @@ void MaskNode(IACNode* node, const HiddenAttrsConfig& config) {
 } // namespace
 
 Ref<IACNode> MaskHiddenAttributes(IACNode* node, uint64_t depth, const HiddenAttrsConfig& config) {
+    if (config.HidesNothing())
+        return Ref<IACNode>::Share(node);
+    const KeptErrorRecord record; // what a node lacks may leave one
     const auto hasHidden = [&](IACNode* each) {
         return config.AnyName(TypeOf(each),
                               [&](const WCHAR* name) { return HasAttribute(each, name); });
     };
-    if (config.HidesNothing() || !AnyNode(node, depth, hasHidden))
+    if (!AnyNode(node, depth, hasHidden))
         return Ref<IACNode>::Share(node);
     Ref<IACNode> clone;
     HRES{node->Clone(depth, 0, clone.Put())};

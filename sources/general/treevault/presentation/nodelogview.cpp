@@ -56,7 +56,7 @@ std::string_view InnerText(std::string_view document) noexcept {
 NodeLogView::NodeLogView(IACNode* node, bool deep)
     : Depth(deep ? static_cast<uint32_t>(TREEVAULT_ALL_LEVELS) : 0) {
     if (node)
-        Node = MaskHiddenAttributes(node, Depth, GetHiddenAttrsConfig());
+        Node = MaskHiddenAttributes(node, Depth, *GetHiddenAttrsConfig());
 }
 
 WideText NodeLogView::ToText(size_t most) const {

@@ -383,5 +383,16 @@ TEST(SystemString, HasItsSizeInBytesInFront) {
     SysFreeString(text);
 }
 
+// Each failure finds the record of the one before it and adds its addresses, up to a point.
+TEST(OwnRecord, ThatNobodyTakesStopsGrowing) {
+    ClearRecord();
+    for (int i = 0; i < 1000; ++i)
+        FailWithRecord();
+    Text description;
+    ASSERT_TRUE(TakeRecord(description));
+    EXPECT_GT(description.size(), 100u * 18);
+    EXPECT_LT(description.size(), 5000u);
+}
+
 } // namespace
 } // namespace treevault::tests
