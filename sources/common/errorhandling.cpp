@@ -15,17 +15,9 @@
 
 namespace treevault {
 
-TREEVAULT_OWN_FRAME HRES::HRES(HRESULT hr) {
-    Set(hr, true);
-    if (Code < 0)
-        throw HRX(*this);
-}
-
-TREEVAULT_OWN_FRAME HRES& HRES::operator=(HRESULT hr) {
-    Set(hr, true);
-    if (Code < 0)
-        throw HRX(*this);
-    return *this;
+TREEVAULT_OWN_FRAME void HRES::Raise() {
+    Set(Code, true);
+    throw HRX(*this);
 }
 
 TREEVAULT_OWN_FRAME void HRES::Set(HRESULT hr, bool takeErrorInfo) noexcept {
@@ -33,7 +25,7 @@ TREEVAULT_OWN_FRAME void HRES::Set(HRESULT hr, bool takeErrorInfo) noexcept {
     Info.Reset();
     if (hr >= 0)
         return;
-    // One more for the constructor or assignment that called.
+    // One more for Raise or the constructor that called.
     CaptureReturnAddresses(static_cast<unsigned>(FramesToSkip) + 1, Frames,
                            static_cast<unsigned>(std::size(Frames)));
     if (takeErrorInfo)
@@ -63,8 +55,9 @@ void ThrowOutOfMemory() {
     ThrowHr(E_OUTOFMEMORY);
 }
 
-void CheckOutPointer(const void* pointer) {
-    HRES(pointer ? S_OK : E_POINTER);
+void RaiseNullPointer() {
+    HRES result(E_POINTER);
+    __builtin_unreachable();
 }
 
 void AppendErrorText(WideStream& stream, const HRES& failure) {

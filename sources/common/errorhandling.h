@@ -20,8 +20,19 @@ namespace treevault {
 // on the thread and two return addresses. Belongs to one thread.
 class HRES {
 public:
-    HRES(HRESULT hr);
-    HRES& operator=(HRESULT hr);
+    // Without a frame of their own, so that it is Raise that a capture finds between itself and
+    // them.
+    [[gnu::always_inline]] HRES(HRESULT hr) : Code(hr) {
+        if (hr < 0) [[unlikely]]
+            Raise();
+    }
+    [[gnu::always_inline]] HRES& operator=(HRESULT hr) {
+        Code = hr;
+        Info.Reset();
+        if (hr < 0) [[unlikely]]
+            Raise();
+        return *this;
+    }
 
     // Takes the result without raising it. A failure captures Frames and, if told so, moves the
     // thread's pending record to Info.
@@ -37,6 +48,9 @@ public:
 
 protected:
     HRES() noexcept : FramesToSkip(0) {}
+
+private:
+    [[noreturn]] void Raise();
 };
 
 // What is thrown and caught. Building one raises nothing.
@@ -52,7 +66,11 @@ public:
 [[noreturn]] void ThrowOutOfMemory();
 
 // Raises E_POINTER for null.
-void CheckOutPointer(const void* pointer);
+[[noreturn]] void RaiseNullPointer();
+inline void CheckOutPointer(const void* pointer) {
+    if (!pointer) [[unlikely]]
+        RaiseNullPointer();
+}
 
 // The low 16 bits of a positive code in the platform's facility; any other value as it is.
 constexpr HRESULT HresultFromWin32(uint32_t code) noexcept {

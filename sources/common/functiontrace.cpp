@@ -3,6 +3,7 @@
 #include "common/functiontrace.h"
 
 #include <algorithm>
+#include <exception>
 
 namespace treevault {
 
@@ -28,6 +29,27 @@ uint64_t CounterUnit() noexcept {
 }
 
 } // namespace
+
+void FunctionTrace::Begin() noexcept {
+    UncaughtCount = std::uncaught_exceptions();
+    if (WasSeverityEnabled(NormalSeverity))
+        WriteEntry();
+    IsTimed = true;
+    Start = PerformanceCounter();
+}
+
+// A trace that began while it was disabled, and has been enabled since, knows its begin to the tick
+// only, and takes any exception in flight for one that passes through.
+void FunctionTrace::End() noexcept {
+    const uint64_t elapsed = IsTimed ? PerformanceCounter() - Start
+                                     : uint64_t{TickCount() - static_cast<uint32_t>(Start)} *
+                                           PerformanceFrequency() / 1000;
+    const bool unwinding = std::uncaught_exceptions() != UncaughtCount;
+    if (IsSeverityEnabled(unwinding ? ExceptionSeverity : NormalSeverity))
+        WriteExit(unwinding, elapsed);
+    else
+        Outdent();
+}
 
 void FunctionTrace::WriteEntry() noexcept {
     try {

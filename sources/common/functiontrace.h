@@ -5,12 +5,10 @@
 
 #include "common/logging.h"
 
-#include <exception>
-
 namespace treevault {
 
-// Lives on the stack of the function that it traces. While its severity is disabled it costs two
-// readings of a counter and two comparisons.
+// Lives on the stack of the function that it traces. While its severities are disabled it costs one
+// reading of the coarse clock and two comparisons.
 class FunctionTrace {
 public:
     // The line of a normal exit has `severity`, that of an exit by exception `exceptionSeverity`.
@@ -22,25 +20,25 @@ public:
     FunctionTrace(const WCHAR* name, uint32_t severity, uint32_t exceptionSeverity, LogSink* sink,
                   SourcePlace place = SourcePlace::Here())
         : NormalSeverity(severity), ExceptionSeverity(exceptionSeverity), Name(name), Place(place),
-          Sink(sink), UncaughtCount(std::uncaught_exceptions()) {
-        if (IsSeverityEnabled(NormalSeverity))
-            WriteEntry();
-        Start = PerformanceCounter();
+          Sink(sink), Start(RefreshSeverity()) {
+        if (MayWrite()) [[unlikely]]
+            Begin();
     }
 
     ~FunctionTrace() {
-        const uint64_t end = PerformanceCounter();
-        const bool unwinding = std::uncaught_exceptions() != UncaughtCount;
-        if (IsSeverityEnabled(unwinding ? ExceptionSeverity : NormalSeverity))
-            WriteExit(unwinding, end - Start);
-        else if (IndentAdded != 0)
-            Outdent();
+        if (IsTimed || MayWrite()) [[unlikely]]
+            End();
     }
 
     FunctionTrace(const FunctionTrace&) = delete;
     FunctionTrace& operator=(const FunctionTrace&) = delete;
 
 private:
+    bool MayWrite() const noexcept {
+        return WasSeverityEnabled(NormalSeverity) || WasSeverityEnabled(ExceptionSeverity);
+    }
+    void Begin() noexcept;
+    void End() noexcept;
     void WriteEntry() noexcept;
     void WriteExit(bool unwinding, uint64_t elapsed) noexcept;
     void Outdent() noexcept;
@@ -50,9 +48,10 @@ private:
     const WCHAR* Name;
     SourcePlace Place;
     LogSink* Sink;
-    uint64_t Start = 0;
+    uint64_t Start; // of the fine counter if the trace is timed, else of the coarse clock
+    bool IsTimed = false;
     int32_t IndentAdded = 0;
-    int UncaughtCount;
+    int UncaughtCount = 0;
 };
 
 // A count of microseconds as milliseconds with three decimals, blanks between groups of three

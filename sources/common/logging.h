@@ -75,18 +75,26 @@ inline constexpr uint32_t RefreshPeriod = 5000; // milliseconds
 void ReadSeverity() noexcept;
 } // namespace detail
 
-// Reads the settings anew when the period has passed.
-inline void RefreshSeverity() noexcept {
+// Reads the settings anew when the period has passed, and returns the tick of now.
+inline uint32_t RefreshSeverity() noexcept {
+    const uint32_t now = TickCount();
     const uint32_t last = detail::LastSeverityTick.load(std::memory_order_acquire);
-    if (last == 0 || TickCount() - last > detail::RefreshPeriod)
+    if (last == 0 || now - last > detail::RefreshPeriod) [[unlikely]]
         detail::ReadSeverity();
+    return now;
+}
+
+// As the settings were read last.
+inline bool WasSeverityEnabled(uint32_t severity) noexcept {
+    return severity >= SeverityCrit &&
+           severity <= detail::MaximumSeverity.load(std::memory_order_relaxed);
 }
 
 inline bool IsSeverityEnabled(uint32_t severity) noexcept {
     if (severity < SeverityCrit)
         return false;
     RefreshSeverity();
-    return severity <= detail::MaximumSeverity.load(std::memory_order_relaxed);
+    return WasSeverityEnabled(severity);
 }
 
 // Forms and writes a line, to `sink` or else to every sink. It does not test the severity.
@@ -100,16 +108,24 @@ void WriteGuarded(uint32_t severity, SourcePlace place, void (*write)(WideStream
                   const void* context) noexcept;
 } // namespace detail
 
-// Writes a line whose text `write` streams, if the severity is enabled.
+// Writes a line whose text `write` streams, inside of a function that is traced: the trace has just
+// seen to it that the settings are fresh.
 template <class Write>
-void Log(uint32_t severity, const Write& write, SourcePlace place = SourcePlace::Here()) {
-    if (IsSeverityEnabled(severity))
+void LogTraced(uint32_t severity, const Write& write, SourcePlace place = SourcePlace::Here()) {
+    if (WasSeverityEnabled(severity)) [[unlikely]]
         detail::WriteGuarded(
             severity, place,
             [](WideStream& line, const void* context) {
                 (*static_cast<const Write*>(context))(line);
             },
             &write);
+}
+
+// Writes a line whose text `write` streams, if the severity is enabled.
+template <class Write>
+void Log(uint32_t severity, const Write& write, SourcePlace place = SourcePlace::Here()) {
+    RefreshSeverity();
+    LogTraced(severity, write, place);
 }
 
 } // namespace treevault

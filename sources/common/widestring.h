@@ -4,9 +4,10 @@
 #ifndef TREEVAULT_COMMON_WIDESTRING_H
 #define TREEVAULT_COMMON_WIDESTRING_H
 
+#include "common/ownercount.h"
+#include "common/textcompare.h"
 #include "platform/widetext.h"
 
-#include <atomic>
 #include <cstdint>
 #include <utility>
 
@@ -30,7 +31,7 @@ public:
         return *this;
     }
     ~WideString() {
-        if (Shared && Shared->Owners.fetch_sub(1, std::memory_order_acq_rel) == 1)
+        if (Shared && IsLastOwner(Shared->Owners))
             Free(Shared);
     }
 
@@ -43,7 +44,7 @@ public:
     operator WideView() const noexcept { return View(); }
 
     friend bool operator==(const WideString& left, const WideString& right) noexcept {
-        return left.Shared == right.Shared || left.View() == right.View();
+        return left.Shared == right.Shared || EqualText(left, right);
     }
 
 private:

@@ -37,10 +37,21 @@ public:
     uint32_t TREEVAULT_CALL Release() override = 0;
     HRESULT TREEVAULT_CALL QueryInterface(const GUID* iid, void** out) override = 0;
 
-    void CountUp() noexcept { References.fetch_add(1, std::memory_order_relaxed); }
+    void CountUp(uint32_t by = 1) noexcept {
+        References.fetch_add(by, std::memory_order_relaxed);
+    }
 
     // The new count.
-    uint32_t CountDown() noexcept { return References.fetch_sub(1, std::memory_order_acq_rel) - 1; }
+    uint32_t CountDown(uint32_t by = 1) noexcept {
+        return References.fetch_sub(by, std::memory_order_acq_rel) - by;
+    }
+
+    // Gives the caller's references up, `own` of them, if there are no others. The object is dying
+    // then.
+    bool GiveUpLast(uint32_t own) noexcept {
+        return References.compare_exchange_strong(own, 0, std::memory_order_acq_rel,
+                                                  std::memory_order_relaxed);
+    }
 
     // Adds a reference unless the object is already dying.
     bool CountUpIfAlive() noexcept {

@@ -14,7 +14,7 @@ namespace {
 // A line for a miss that the caller may well expect; its text is made from the code alone.
 template <class WriteName>
 void LogMiss(uint32_t severity, HRESULT hr, const WriteName& writeName) {
-    Log(severity, [&](WideStream& line) {
+    LogTraced(severity, [&](WideStream& line) {
         writeName(line);
         line << TV_W(" failed: ");
         AppendErrorText(line, hr);
@@ -22,7 +22,7 @@ void LogMiss(uint32_t severity, HRESULT hr, const WriteName& writeName) {
 }
 
 void LogName(const WCHAR* name) {
-    Log(SeverityDbg3, [&](WideStream& line) { line << TV_W("Name: ") << name; });
+    LogTraced(SeverityDbg3, [&](WideStream& line) { line << TV_W("Name: ") << name; });
 }
 
 } // namespace
@@ -33,7 +33,7 @@ HRESULT CACNodeImpl::SetAttribute(const WCHAR* name, ValueType type, const void*
     return NamedBoundary(SeverityDbg3, writeName, [&] {
         const FunctionTrace trace(TV_W("CACNodeImpl::SetAttribute"));
         LogName(name);
-        Log(SeverityDbg3, [&](WideStream& line) { line << TV_W("Type: ") << type; });
+        LogTraced(SeverityDbg3, [&](WideStream& line) { line << TV_W("Type: ") << type; });
         const LockGuard guard(Lock);
         CheckValue(type, data, size);
         Attributes.EnsureOwn();

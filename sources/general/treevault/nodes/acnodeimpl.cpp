@@ -29,7 +29,7 @@ PathRef InitialPath(const WCHAR* name) {
 
 CACNodeImpl::CACNodeImpl(const WCHAR* name, const WCHAR* type) {
     const FunctionTrace trace(TV_W("CACNodeImpl::CACNodeImpl"));
-    Log(SeverityDbg3, [&](WideStream& line) {
+    LogTraced(SeverityDbg3, [&](WideStream& line) {
         line << TV_W("Creating: Name=") << name << TV_W(" Type=") << type;
     });
     Path = InitialPath(name);
@@ -42,7 +42,7 @@ CACNodeImpl::CACNodeImpl(const WCHAR* name, const WCHAR* type) {
 CACNodeImpl::CACNodeImpl(const CACNodeImpl& source)
     : Attributes(source.Attributes), TypeName(source.TypeName), Path(source.Path) {
     const FunctionTrace trace(TV_W("CACNodeImpl::CACNodeImpl"));
-    Log(SeverityDbg3, [&](WideStream& line) {
+    LogTraced(SeverityDbg3, [&](WideStream& line) {
         line << TV_W("Cloning: Name=") << ShortName().View() << TV_W(" Type=") << TypeName.View();
     });
 }

@@ -11,6 +11,8 @@ namespace treevault {
 // locks of the whole subtree are held meanwhile, which keeps anybody from adding to it.
 void CACNodeImpl::SetPathLink(const PathRef& parentLink, const WideString& name) {
     const LockGuard guard(Lock);
+    if (Children.empty() && name == Path->Name && Path.MoveBelow(parentLink))
+        return;
     PathRef path = MakePathLink(name, parentLink);
     if (Children.empty()) {
         Path = std::move(path);
@@ -85,7 +87,7 @@ bool CACNodeImpl::PvtTrySetName(NodeNameKind kind, WideView name) {
     guard.Leave();
     if (parent->PvtRenameChild(this, path->Name))
         return true;
-    Log(SeverityDbg, [](WideStream& line) {
+    LogTraced(SeverityDbg, [](WideStream& line) {
         line << TV_W("DBG: Retrying to change the name (parent changed)");
     });
     return false;
@@ -98,7 +100,7 @@ bool CACNodeImpl::PvtRenameChild(CACNodeImpl* child, const WideString& newName) 
         return false;
     const LockGuard childGuard(child->Lock);
     const WideString oldName = child->ShortName();
-    Log(SeverityDbg, [&](WideStream& line) {
+    LogTraced(SeverityDbg, [&](WideStream& line) {
         line << TV_W("DBG: ParentPath='") << FullPathText(Path) << TV_W("' OldName='")
              << oldName.View() << TV_W("'") << TV_W("' NewName='") << newName.View() << TV_W("'");
     });

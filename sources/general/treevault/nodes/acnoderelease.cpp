@@ -11,14 +11,14 @@ void CACNodeImpl::PvtDropChildren(CACNodeImpl*& dying) noexcept {
     const LockGuard guard(Lock);
     ChildrenByName.Clear();
     for (CACNodeImpl* child : Children) {
-        child->CountDown();
-        child->ClearParent();
-    }
-    for (CACNodeImpl* child : Children) {
-        if (child->CountDown() == 0) {
-            child->Parent.store(dying, std::memory_order_relaxed);
-            dying = child;
+        if (!child->GiveUpLast(2)) {
+            // Whoever holds it may look for its parent until it is told that there is none.
+            child->ClearParent();
+            if (child->CountDown(2) != 0)
+                continue;
         }
+        child->Parent.store(dying, std::memory_order_relaxed);
+        dying = child;
     }
     Children.clear();
 }

@@ -13,19 +13,19 @@ namespace treevault {
 namespace {
 
 void LogChild(const void* child) {
-    Log(SeverityDbg3, [&](WideStream& line) {
+    LogTraced(SeverityDbg3, [&](WideStream& line) {
         line << TV_W("Child=");
         line.Address(child);
     });
 }
 
 void LogIndex(uint64_t index) {
-    Log(SeverityDbg3, [&](WideStream& line) { line << TV_W("Index: ") << index; });
+    LogTraced(SeverityDbg3, [&](WideStream& line) { line << TV_W("Index: ") << index; });
 }
 
 template <class WriteName>
 void LogNotFound(const WriteName& writeName) {
-    Log(SeverityDbg2, [&](WideStream& line) {
+    LogTraced(SeverityDbg2, [&](WideStream& line) {
         writeName(line);
         line << TV_W(" failed: ");
         AppendErrorText(line, TREEVAULT_E_NOT_FOUND);
@@ -42,8 +42,7 @@ void CACNodeImpl::PvtInsertChild(CACNodeImpl* child, const WideString& name) {
     if (!ChildrenByName.Insert(name, child))
         ThrowHr(TREEVAULT_E_CHILD_EXISTS);
     Children.push_back(child);
-    child->CountUp();
-    child->CountUp();
+    child->CountUp(2);
 }
 
 // Takes a child out of both lists. The caller has a reference of its own.
@@ -52,8 +51,7 @@ void CACNodeImpl::PvtEraseChild(size_t index) noexcept {
     ChildrenByName.Erase(child->GetPathLink()->Name);
     Children.erase(Children.begin() + static_cast<ptrdiff_t>(index));
     child->ClearParent();
-    child->CountDown();
-    child->CountDown();
+    child->CountDown(2);
 }
 
 HRESULT CACNodeImpl::AddChild(IACNode* child) {
@@ -186,7 +184,7 @@ HRESULT CACNodeImpl::GetChildByName(const WCHAR* name, IACNode** child) {
     };
     return NamedBoundary(SeverityDbg3, writeName, [&]() -> HRESULT {
         const FunctionTrace trace(TV_W("CACNodeImpl::GetChildByName"));
-        Log(SeverityDbg3, [&](WideStream& line) { line << TV_W("Name") << name; });
+        LogTraced(SeverityDbg3, [&](WideStream& line) { line << TV_W("Name") << name; });
         CheckOutPointer(name && child ? child : nullptr);
         const LockGuard guard(Lock);
         CACNodeImpl* const found = ChildrenByName.Find(name);

@@ -3,6 +3,7 @@
 #include "general/treevault/nodes/attributetable.h"
 
 #include "common/errorhandling.h"
+#include "common/ownercount.h"
 
 #include <algorithm>
 #include <cstring>
@@ -62,7 +63,7 @@ AttributeTable::Block* AttributeTable::Allocate(size_t entries, size_t nameUnits
 }
 
 void AttributeTable::Drop(Block* block) noexcept {
-    if (!block || block->Owners.fetch_sub(1, std::memory_order_acq_rel) != 1)
+    if (!block || !IsLastOwner(block->Owners))
         return;
     std::destroy_n(block->Entries(), block->Count);
     ::operator delete(block);
@@ -78,22 +79,30 @@ const WCHAR* AttributeTable::Name(const AttributeEntry& entry) const noexcept {
     return Shared->Names() + entry.NameOffset;
 }
 
-// Where the entry of `name` is or would be.
-size_t AttributeTable::Position(const WCHAR* name) const noexcept {
-    const std::span<AttributeEntry> entries = Entries();
-    const auto found = std::lower_bound(entries.begin(), entries.end(), name,
-                                        [this](const AttributeEntry& entry, const WCHAR* wanted) {
-                                            return CompareNames(Name(entry), wanted) < 0;
-                                        });
-    return static_cast<size_t>(found - entries.begin());
+// Sets `at` to where the entry of `name` is or would be; tells whether it is there.
+bool AttributeTable::Search(const WCHAR* name, size_t& at) const noexcept {
+    const std::span<const AttributeEntry> entries = Entries();
+    size_t begin = 0;
+    size_t end = entries.size();
+    while (begin != end) {
+        const size_t middle = (begin + end) / 2;
+        const int order = CompareNames(Name(entries[middle]), name);
+        if (order == 0) {
+            at = middle;
+            return true;
+        }
+        if (order < 0)
+            begin = middle + 1;
+        else
+            end = middle;
+    }
+    at = begin;
+    return false;
 }
 
 AttributeEntry* AttributeTable::Find(const WCHAR* name) const noexcept {
-    const std::span<AttributeEntry> entries = Entries();
-    const size_t at = Position(name);
-    if (at == entries.size() || CompareNames(Name(entries[at]), name) != 0)
-        return nullptr;
-    return &entries[at];
+    size_t at;
+    return Search(name, at) ? &Entries()[at] : nullptr;
 }
 
 void AttributeTable::EnsureOwn() {
@@ -145,16 +154,17 @@ void AttributeTable::Reserve(size_t nameUnits) {
 }
 
 void AttributeTable::Set(const WCHAR* name, ValueType type, ValueStorage&& value, uint16_t flags) {
-    if (AttributeEntry* entry = Find(name)) {
-        entry->Value = std::move(value);
-        entry->Type = type;
-        entry->StoreFlags(flags);
+    size_t at;
+    if (Search(name, at)) {
+        AttributeEntry& entry = Entries()[at];
+        entry.Value = std::move(value);
+        entry.Type = type;
+        entry.StoreFlags(flags);
         return;
     }
     const size_t units = WideLength(name) + 1;
     Reserve(units);
     std::memcpy(Shared->Names() + Shared->NameUnits, name, units * sizeof(WCHAR));
-    const size_t at = Position(name);
     AttributeEntry* const place = Shared->Entries() + at;
     MoveEntries(place + 1, place, Shared->Count - at);
     new (place) AttributeEntry{Shared->NameUnits, type, flags, std::move(value)};

@@ -74,7 +74,7 @@ private:
 
     static Block* Allocate(size_t entries, size_t nameUnits);
     static void Drop(Block* block) noexcept;
-    size_t Position(const WCHAR* name) const noexcept;
+    bool Search(const WCHAR* name, size_t& at) const noexcept;
     void Reserve(size_t nameUnits);
 
     Block* Shared = nullptr;

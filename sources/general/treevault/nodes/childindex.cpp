@@ -8,16 +8,17 @@
 namespace treevault {
 
 size_t ChildIndex::PageOf(WideView name) const noexcept {
-    const auto behind = std::upper_bound(
-        Pages->begin() + 1, Pages->end(), name,
-        [](WideView wanted, const Page& page) { return wanted < page.front().Name.View(); });
+    const auto behind = std::upper_bound(Pages->begin() + 1, Pages->end(), name,
+                                         [](WideView wanted, const Page& page) {
+                                             return CompareText(wanted, page.front().Name) < 0;
+                                         });
     return static_cast<size_t>(behind - Pages->begin()) - 1;
 }
 
 size_t ChildIndex::Position(const Page& page, WideView name) noexcept {
     const auto found =
         std::lower_bound(page.begin(), page.end(), name, [](const Entry& entry, WideView wanted) {
-            return entry.Name.View() < wanted;
+            return CompareText(entry.Name, wanted) < 0;
         });
     return static_cast<size_t>(found - page.begin());
 }
@@ -27,7 +28,7 @@ CACNodeImpl* ChildIndex::Find(WideView name) const noexcept {
         return nullptr;
     const Page& page = (*Pages)[PageOf(name)];
     const size_t at = Position(page, name);
-    return at < page.size() && page[at].Name.View() == name ? page[at].Child : nullptr;
+    return at < page.size() && EqualText(page[at].Name, name) ? page[at].Child : nullptr;
 }
 
 // The upper half becomes a page of its own.
@@ -46,6 +47,7 @@ void ChildIndex::Split(size_t at) {
 bool ChildIndex::Insert(const WideString& name, CACNodeImpl* child) {
     if (!Pages) {
         auto pages = std::make_unique<std::vector<Page>>(1);
+        pages->front().reserve(FirstCapacity);
         pages->front().push_back({name, child});
         Pages = std::move(pages);
         return true;

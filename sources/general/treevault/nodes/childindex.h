@@ -35,6 +35,7 @@ private:
     };
     using Page = std::vector<Entry>;
 
+    static constexpr size_t FirstCapacity = 4;
     static constexpr size_t PageLimit = 128;
 
     // The page that holds the name or is the one to hold it; there must be a page.

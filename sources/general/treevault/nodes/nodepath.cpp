@@ -20,11 +20,18 @@ PathRef PathRef::Make(WideString name, PathRef parent) {
 }
 
 void PathRef::Drop(NodePathLink* link) noexcept {
-    while (link && link->Owners.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    while (link && IsLastOwner(link->Owners)) {
         NodePathLink* const parent = std::exchange(link->ParentLink.Link, nullptr);
         delete link;
         link = parent;
     }
+}
+
+bool PathRef::MoveBelow(const PathRef& parent) noexcept {
+    if (Link->Owners.load(std::memory_order_acquire) != 1)
+        return false;
+    Link->ParentLink = parent;
+    return true;
 }
 
 PathRef MakePathLink(const WideString& name, const PathRef& parent) {

@@ -24,6 +24,9 @@ public:
     // A new link below `parent`, whatever the name holds.
     static PathRef Make(WideString name, PathRef parent);
 
+    // Puts the link below another parent if nobody shares it; false, with nothing changed, if not.
+    bool MoveBelow(const PathRef& parent) noexcept;
+
     const NodePathLink* operator->() const noexcept { return Link; }
     const NodePathLink* Get() const noexcept { return Link; }
     explicit operator bool() const noexcept { return Link != nullptr; }
@@ -35,7 +38,7 @@ private:
     NodePathLink* Link = nullptr;
 };
 
-// One step of a path. It never changes; nodes and their descendants share it.
+// One step of a path. Nodes and their descendants share it; it never changes while they do.
 struct NodePathLink {
     WideString Name;
     PathRef ParentLink; // none at the top

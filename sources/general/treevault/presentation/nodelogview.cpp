@@ -75,7 +75,7 @@ WideText NodeLogView::ToText(size_t most) const {
 constexpr size_t LongestLine = size_t{16} << 20;
 
 void LogNode(uint32_t severity, const WCHAR* label, IACNode* node, SourcePlace place) {
-    Log(
+    LogTraced(
         severity,
         [&](WideStream& line) {
             const KeptErrorRecord record;
@@ -86,7 +86,7 @@ void LogNode(uint32_t severity, const WCHAR* label, IACNode* node, SourcePlace p
 }
 
 void LogPointer(const WCHAR* label, const void* pointer, SourcePlace place) {
-    Log(
+    LogTraced(
         SeverityDbg2, [&](WideStream& line) { (line << label).Address(pointer); }, place);
 }
 

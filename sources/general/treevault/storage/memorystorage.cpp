@@ -124,15 +124,15 @@ void CMemoryStorage::PvtExecuteGroup(CPendingOperations& group) {
             ModifySinks->OnStart();
         group.Execute();
         if (ModifySinks) {
-            Log(SeverityDbg2, [](WideStream& line) { line << TV_W("Signaling PreCommit"); });
+            LogTraced(SeverityDbg2, [](WideStream& line) { line << TV_W("Signaling PreCommit"); });
             HRES{ModifySinks->OnPreCommit()};
-            Log(SeverityDbg2,
-                [](WideStream& line) { line << TV_W("Signaling Finish (successful)"); });
+            LogTraced(SeverityDbg2,
+                      [](WideStream& line) { line << TV_W("Signaling Finish (successful)"); });
             ModifySinks->OnFinish(1);
         }
     } catch (const HRX& failure) {
         group.Rollback();
-        Log(SeverityDbg2, [&](WideStream& line) {
+        LogTraced(SeverityDbg2, [&](WideStream& line) {
             line << TV_W("Signaling Finish (failed): ");
             AppendErrorText(line, failure);
         });
@@ -153,7 +153,7 @@ void CMemoryStorage::PvtSignalModified(IACNode* oldNode, IACNode* newNode, Modif
         return;
     const WideText path = ReadName(newNode ? newNode : oldNode, NameFullPath);
     const ModifyNotification notification = {mask, path.c_str(), oldNode, newNode, changedNames};
-    Log(SeverityDbg2, [&](WideStream& line) {
+    LogTraced(SeverityDbg2, [&](WideStream& line) {
         line << TV_W("Signaling OnModified: path='") << path << TV_W("' mask=") << mask;
     });
     HRES{ModifySinks->OnModified(&notification)};

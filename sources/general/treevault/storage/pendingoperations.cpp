@@ -21,7 +21,7 @@ void CPendingOperations::Execute() {
             Operations[at]();
         Storage.CountRun();
     } catch (const HRX& failure) {
-        Log(SeverityDbg, [&](WideStream& line) {
+        LogTraced(SeverityDbg, [&](WideStream& line) {
             line << TV_W("CPendingOperations::Execute failed: ");
             AppendErrorText(line, failure);
         });
@@ -36,7 +36,7 @@ void CPendingOperations::Execute() {
 // What caused the rollback goes on to the caller.
 template <class WriteError>
 void CPendingOperations::GiveUpRollback(const WriteError& writeError) noexcept {
-    Log(SeverityErr, [&](WideStream& line) {
+    LogTraced(SeverityErr, [&](WideStream& line) {
         line << TV_W("CPendingOperations::Rollback failed: Rollback failed: ");
         writeError(line);
     });

@@ -45,7 +45,8 @@ HRESULT CMemoryStorage::RetrieveNextData(IRetrievalContext* context, IACNode** n
     return NamedBoundary(SeverityDbg2, writeName, [&] {
         const FunctionTrace trace(TV_W("CMemoryStorage::RetrieveNextData"), SeverityDbg2);
         LogPointer(TV_W("RetrievalContext: "), context);
-        Log(SeverityDbg2, [&](WideStream& line) { line << TV_W("MaxNodesCount: ") << maxNodes; });
+        LogTraced(SeverityDbg2,
+                  [&](WideStream& line) { line << TV_W("MaxNodesCount: ") << maxNodes; });
         CheckOutPointer(context);
         CheckOutPointer(nodes);
         Ref<INodeFilter> selection;

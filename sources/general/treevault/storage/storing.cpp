@@ -19,8 +19,8 @@ HRESULT CMemoryStorage::StoreData(IOperationsGroup* group, StoreMode mode, IACNo
     return NamedBoundary(SeverityDbg2, writeName, [&] {
         const FunctionTrace trace(TV_W("CMemoryStorage::StoreData"), SeverityDbg2);
         LogPointer(TV_W("GroupContext: "), group);
-        Log(SeverityDbg2, [&](WideStream& line) { line << TV_W("Mode: ") << mode; });
-        Log(SeverityDbg2, [&](WideStream& line) { line << TV_W("Count: ") << count; });
+        LogTraced(SeverityDbg2, [&](WideStream& line) { line << TV_W("Mode: ") << mode; });
+        LogTraced(SeverityDbg2, [&](WideStream& line) { line << TV_W("Count: ") << count; });
         CheckOutPointer(nodes);
         const Ref<CPendingOperations> journal = PvtJournalOf(group);
         for (uint64_t at = 0; at < count; ++at) {
