@@ -37,9 +37,7 @@ public:
     uint32_t TREEVAULT_CALL Release() override = 0;
     HRESULT TREEVAULT_CALL QueryInterface(const GUID* iid, void** out) override = 0;
 
-    void CountUp(uint32_t by = 1) noexcept {
-        References.fetch_add(by, std::memory_order_relaxed);
-    }
+    void CountUp(uint32_t by = 1) noexcept { References.fetch_add(by, std::memory_order_relaxed); }
 
     // The new count.
     uint32_t CountDown(uint32_t by = 1) noexcept {
