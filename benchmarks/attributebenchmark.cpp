@@ -3,8 +3,12 @@
 // text, and overwriting values.
 #include "measure.h"
 #include "plainforms.h"
+#include "propertytree.h"
+#include "pugitree.h"
 #include "structtree.h"
 #include "vaulttree.h"
+
+#include <cstring>
 
 namespace treevault::benchmarks {
 
@@ -110,12 +114,85 @@ void BM_WriteTextPlain(benchmark::State& state) {
     CountItems(state, 1);
 }
 
+// --- Libraries whose values are text -------------------------------------------------------------
+
+void BM_ReadInt32Pugi(benchmark::State& state) {
+    const PugiTree tree(OneNode());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(tree.ValueOf(NarrowNumberName).as_int());
+    CountItems(state, 1);
+}
+
+void BM_ReadInt32Ptree(benchmark::State& state) {
+    PropertyTree tree(OneNode());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(tree.RootAttributes().get<int32_t>(NarrowNumberName));
+    CountItems(state, 1);
+}
+
+// The text goes into the caller's buffer.
+void BM_ReadInt32AsTextPugi(benchmark::State& state) {
+    const PugiTree tree(OneNode());
+    for (auto _ : state) {
+        char text[16];
+        const char* value = tree.ValueOf(NarrowNumberName).value();
+        std::memcpy(text, value, std::strlen(value) + 1);
+        benchmark::DoNotOptimize(text);
+    }
+    CountItems(state, 1);
+}
+
+void BM_ReadInt32AsTextPtree(benchmark::State& state) {
+    PropertyTree tree(OneNode());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(tree.RootAttributes().get<std::string>(NarrowNumberName));
+    CountItems(state, 1);
+}
+
+void BM_WriteInt32Pugi(benchmark::State& state) {
+    const PugiTree tree(OneNode());
+    int32_t number = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(tree.ValueOf(NarrowNumberName).set_value(++number));
+    CountItems(state, 1);
+}
+
+void BM_WriteInt32Ptree(benchmark::State& state) {
+    PropertyTree tree(OneNode());
+    int32_t number = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(&tree.RootAttributes().put(NarrowNumberName, ++number));
+    CountItems(state, 1);
+}
+
+void BM_WriteTextPugi(benchmark::State& state) {
+    const PugiTree tree(OneNode());
+    std::string title = OneNode().Nodes.front().Narrow->Title;
+    for (auto _ : state) {
+        ++title[0];
+        benchmark::DoNotOptimize(tree.ValueOf(NarrowTitleName).set_value(title.c_str()));
+    }
+    CountItems(state, 1);
+}
+
+void BM_WriteTextPtree(benchmark::State& state) {
+    PropertyTree tree(OneNode());
+    std::string title = OneNode().Nodes.front().Narrow->Title;
+    for (auto _ : state) {
+        ++title[0];
+        benchmark::DoNotOptimize(&tree.RootAttributes().put(NarrowTitleName, title));
+    }
+    CountItems(state, 1);
+}
+
 } // namespace
 
 #define ATTRIBUTE_BENCHMARK(workload)                                                              \
     BENCHMARK(workload)->Name(#workload "/treevault");                                             \
     BENCHMARK_TEMPLATE(workload##Plain, VectorTree)->Name(#workload "/struct_vector");             \
-    BENCHMARK_TEMPLATE(workload##Plain, MapTree)->Name(#workload "/struct_map")
+    BENCHMARK_TEMPLATE(workload##Plain, MapTree)->Name(#workload "/struct_map");                   \
+    BENCHMARK(workload##Pugi)->Name(#workload "/pugixml");                                         \
+    BENCHMARK(workload##Ptree)->Name(#workload "/ptree")
 
 ATTRIBUTE_BENCHMARK(BM_ReadInt32);
 ATTRIBUTE_BENCHMARK(BM_ReadInt32AsText);

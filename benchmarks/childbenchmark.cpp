@@ -2,6 +2,7 @@
 // One child among few or many, by name and by index, each child in turn but no neighbours one after
 // the other.
 #include "measure.h"
+#include "propertytree.h"
 #include "structtree.h"
 #include "vaulttree.h"
 
@@ -68,6 +69,16 @@ void BM_ChildByNameMap(benchmark::State& state) {
     CountItems(state, 1);
 }
 
+void BM_ChildByNamePtree(benchmark::State& state) {
+    const Workload workload = Siblings(static_cast<size_t>(state.range(0)));
+    PropertyTree tree(workload);
+    const boost::property_tree::ptree& root = tree.Root();
+    Order order(workload.Nodes.size() - 1);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(&*root.find(workload.Nodes[order.Next() + 1].Narrow->Name));
+    CountItems(state, 1);
+}
+
 void BM_ChildByIndex(benchmark::State& state) {
     const Workload workload = Siblings(static_cast<size_t>(state.range(0)));
     const VaultTree tree(workload);
@@ -93,6 +104,7 @@ void BM_ChildByIndexVector(benchmark::State& state) {
 
 BENCHMARK(BM_ChildByName)->Name("BM_ChildByName/treevault")->Arg(10)->Arg(1000)->Arg(100000);
 BENCHMARK(BM_ChildByNameMap)->Name("BM_ChildByName/std_map")->Arg(10)->Arg(1000)->Arg(100000);
+BENCHMARK(BM_ChildByNamePtree)->Name("BM_ChildByName/ptree")->Arg(10)->Arg(1000)->Arg(100000);
 BENCHMARK(BM_ChildByIndex)->Name("BM_ChildByIndex/treevault")->Arg(10)->Arg(100000);
 BENCHMARK(BM_ChildByIndexVector)->Name("BM_ChildByIndex/std_vector")->Arg(10)->Arg(100000);
 

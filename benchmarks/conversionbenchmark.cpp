@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Conversion of values: numbers, binaries, identifiers and the two encodings of text.
+#include "conversiondata.h"
 #include "measure.h"
 #include "plainforms.h"
 #include "vaulttree.h"
@@ -10,8 +11,6 @@
 namespace treevault::benchmarks {
 
 namespace {
-
-constexpr size_t BlockSize = 1024;
 
 // Every call converts `size` bytes at `source` as the program of a client does, in one call with a
 // buffer that is large enough.
@@ -25,21 +24,6 @@ void Convert(benchmark::State& state, ValueType from, const void* source, uint64
         benchmark::ClobberMemory();
     }
     CountItems(state, 1);
-}
-
-// Bytes of all values.
-std::vector<uint8_t> Block() {
-    std::vector<uint8_t> bytes(BlockSize);
-    for (size_t i = 0; i < bytes.size(); ++i)
-        bytes[i] = static_cast<uint8_t>(i * 167 + i / 256);
-    return bytes;
-}
-
-std::string AsciiText() {
-    std::string text(BlockSize, ' ');
-    for (size_t i = 0; i < text.size(); ++i)
-        text[i] = static_cast<char>(' ' + i % 95);
-    return text;
 }
 
 constexpr int32_t Number = -1234567;
@@ -79,13 +63,6 @@ void BM_TextToInt64Plain(benchmark::State& state) {
 }
 
 // --- Binaries ------------------------------------------------------------------------------------
-
-std::string HexText() {
-    const std::vector<uint8_t> bytes = Block();
-    std::string text = "HEX:" + std::string(2 * bytes.size(), '0');
-    FormatHex(bytes.data(), bytes.size(), text.data() + 4);
-    return text;
-}
 
 void BM_BinaryToHex(benchmark::State& state) {
     const std::vector<uint8_t> bytes = Block();

@@ -2,9 +2,8 @@
 // Documents with rapidxml alone: made, printed, and read into trees of structs.
 #include "plaindocument.h"
 
-#include "plainforms.h"
+#include "documentvalue.h"
 
-#include <cstdlib>
 #include <iterator>
 
 // The printer uses these before it declares them.
@@ -39,12 +38,6 @@ using Element = rapidxml::xml_node<char>;
 
 // --- Making a document ---------------------------------------------------------------------------
 
-std::string Narrowed(const Text& wide) {
-    std::string text(wide.size(), ' ');
-    Narrow(wide.data(), wide.size(), text.data());
-    return text;
-}
-
 void AddText(Element* element, const char* name, const std::string& value) {
     Document& pool = *element->document();
     const char* copy = pool.allocate_string(value.c_str(), value.size() + 1);
@@ -57,9 +50,9 @@ Element* AddElement(Element* parent, const char* name) {
     return element;
 }
 
-void AddAttribute(Element* node, const WCHAR* name, const char* type, const std::string& value) {
+void AddAttribute(Element* node, const char* name, const char* type, const std::string& value) {
     Element* attribute = AddElement(node, "a");
-    AddText(attribute, "n", Narrowed(name));
+    AddText(attribute, "n", name);
     if (type)
         AddText(attribute, "t", type);
     AddText(attribute, "v", value);
@@ -68,14 +61,14 @@ void AddAttribute(Element* node, const WCHAR* name, const char* type, const std:
 void AddNode(Element* parent, const Workload& workload, size_t index) {
     const NodeData& data = workload.Nodes[index];
     Element* node = AddElement(parent, "n");
-    AddText(node, "n", Narrowed(data.Name));
-    AddText(node, "t", Narrowed(*data.Type));
+    AddText(node, "n", data.Narrow->Name);
+    AddText(node, "t", data.Narrow->Type);
     char guid[39];
     FormatGuid(data.Id, guid);
-    AddAttribute(node, NumberName, "3", std::to_string(data.Number));
-    AddAttribute(node, GuidName, "13", guid);
-    AddAttribute(node, StampName, "6", std::to_string(data.Stamp));
-    AddAttribute(node, TitleName, "2", Narrowed(data.Title));
+    AddAttribute(node, NarrowNumberName, "3", std::to_string(data.Number));
+    AddAttribute(node, NarrowGuidName, "13", guid);
+    AddAttribute(node, NarrowStampName, "6", std::to_string(data.Stamp));
+    AddAttribute(node, NarrowTitleName, "2", data.Narrow->Title);
     const size_t first = workload.FirstChild(index);
     for (size_t child = first; child < first + workload.ChildCount(index); ++child)
         AddNode(node, workload, child);
@@ -83,39 +76,24 @@ void AddNode(Element* parent, const Workload& workload, size_t index) {
 
 // --- Reading a document --------------------------------------------------------------------------
 
-Text Widened(const rapidxml::xml_attribute<char>* attribute) {
-    const std::string_view text(attribute->value(), attribute->value_size());
-    Text wide(text.size(), 0);
-    Widen(text, wide.data());
-    return wide;
+std::string_view ValueOf(const rapidxml::xml_attribute<char>* attribute) {
+    return {attribute->value(), attribute->value_size()};
 }
 
 PlainValue ReadValue(const Element* element) {
-    const auto* value = element->first_attribute("v", 1);
     const auto* type = element->first_attribute("t", 1);
-    const long tag = type ? std::strtol(type->value(), nullptr, 10) : long{VtStringA};
-    GUID guid{};
-    switch (tag) {
-    case VtInt32:
-        return static_cast<int32_t>(std::strtol(value->value(), nullptr, 0));
-    case VtUInt64:
-        return static_cast<uint64_t>(std::strtoull(value->value(), nullptr, 0));
-    case VtGuid:
-        ParseGuid(value->value(), &guid);
-        return guid;
-    default:
-        return Widened(value);
-    }
+    return DocumentValue(type ? type->value() : nullptr, ValueOf(element->first_attribute("v", 1)));
 }
 
 template <class AttributeSet>
 std::unique_ptr<PlainNode<AttributeSet>> ReadNode(const Element* element) {
     auto node = std::make_unique<PlainNode<AttributeSet>>();
-    node->Name = Widened(element->first_attribute("n", 1));
-    node->Type = Widened(element->first_attribute("t", 1));
+    node->Name = Widened(ValueOf(element->first_attribute("n", 1)));
+    node->Type = Widened(ValueOf(element->first_attribute("t", 1)));
     for (const Element* child = element->first_node(); child; child = child->next_sibling()) {
         if (*child->name() == 'a')
-            node->Attributes.Set(Widened(child->first_attribute("n", 1)), ReadValue(child));
+            node->Attributes.Set(Widened(ValueOf(child->first_attribute("n", 1))),
+                                 ReadValue(child));
         else
             node->Children.push_back(ReadNode<AttributeSet>(child));
     }

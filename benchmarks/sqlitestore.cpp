@@ -127,9 +127,9 @@ void SqliteStore::Delete(const StoredNode& place) {
 
 void SqliteStore::Add(const StoredNode& place, const StoredNode& values) {
     UpsertStatement.Bind(1, place.NarrowPath);
-    UpsertStatement.Bind(2, place.NarrowType);
+    UpsertStatement.Bind(2, place.Data->Narrow->Type);
     UpsertStatement.Bind(3, int64_t{values.Data->Number});
-    UpsertStatement.Bind(4, values.NarrowTitle);
+    UpsertStatement.Bind(4, values.Data->Narrow->Title);
     UpsertStatement.Bind(5, values.Data->Id);
     UpsertStatement.Bind(6, static_cast<int64_t>(values.Data->Stamp));
     UpsertStatement.Run();

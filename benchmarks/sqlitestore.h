@@ -8,6 +8,7 @@
 #ifndef TREEVAULT_BENCHMARKS_SQLITESTORE_H
 #define TREEVAULT_BENCHMARKS_SQLITESTORE_H
 
+#include "measure.h"
 #include "storednodes.h"
 
 #include <sqlite3.h>
@@ -71,6 +72,11 @@ public:
     void Add(const StoredNode& place, const StoredNode& values);
     void Commit() { CommitStatement.Run(); }
     void Rollback() { RollbackStatement.Run(); }
+    double TimedRollback() {
+        const Stopwatch watch;
+        Rollback();
+        return watch.Seconds();
+    }
 
     int32_t NumberAt(const StoredNode& place);
 

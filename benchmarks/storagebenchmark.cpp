@@ -128,6 +128,22 @@ void BM_UndoGroup(benchmark::State& state) {
     Finish(state, store, GroupSize);
 }
 
+// The rollback alone: from the refusal, when all changes are made, to the end of the undoing.
+template <class Store>
+void BM_RollbackGroup(benchmark::State& state) {
+    Store& store = ObservedStore<Store>(state);
+    LeafOrder& order = SharedOrder<Store>();
+    LeafOrder first = order;
+    first.Next();
+    const int32_t before = store.NumberAt(first.Place());
+    for (auto _ : state) {
+        AddGroup(store, order);
+        state.SetIterationTime(store.TimedRollback());
+    }
+    CheckNumber(state, store, first.Place(), before);
+    Finish(state, store, GroupSize);
+}
+
 // --- Retrieval -----------------------------------------------------------------------------------
 
 // Threads begin far from each other. Elapsed time counts: it is what more threads are to save.
@@ -164,6 +180,18 @@ void Threaded(benchmark::internal::Benchmark* benchmark) {
 UPSERT_BENCHMARK(BM_UpsertNode);
 UPSERT_BENCHMARK(BM_UpsertGroup);
 UPSERT_BENCHMARK(BM_UndoGroup);
+
+// Most of an iteration is not timed, so that the time would ask for too many of them.
+#define ROLLBACK_BENCHMARK(store, name)                                                            \
+    BENCHMARK_TEMPLATE(BM_RollbackGroup, store)                                                    \
+        ->Name("BM_RollbackGroup/" name)                                                           \
+        ->Arg(1)                                                                                   \
+        ->UseManualTime()                                                                          \
+        ->Iterations(50)
+
+ROLLBACK_BENCHMARK(VaultStore, "treevault");
+ROLLBACK_BENCHMARK(SqliteStore, "sqlite");
+ROLLBACK_BENCHMARK(UndoLogStore, "undo_log");
 
 BENCHMARK_TEMPLATE(BM_DeleteNode, VaultStore)
     ->Name("BM_DeleteNode/treevault")

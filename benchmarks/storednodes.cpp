@@ -10,23 +10,12 @@ namespace treevault::benchmarks {
 
 namespace {
 
-std::string Narrow(const Text& text) {
-    std::string narrow;
-    for (const WCHAR unit : text)
-        narrow += static_cast<char>(unit);
-    return narrow;
-}
-
 std::vector<StoredNode> MakeStoredNodes() {
     const Workload& workload = DeepWorkload();
     std::vector<StoredNode> nodes;
     nodes.reserve(workload.Nodes.size());
-    for (size_t at = 0; at < workload.Nodes.size(); ++at) {
-        const NodeData& data = workload.Nodes[at];
-        const Text above = at == 0 ? Text() : nodes[(at - 1) / workload.FanOut].Path;
-        const Text path = above + TREEVAULT_WIDE("\\") + data.Name;
-        nodes.push_back({&data, path, Narrow(path), Narrow(*data.Type), Narrow(data.Title)});
-    }
+    for (size_t at = 0; at < workload.Nodes.size(); ++at)
+        nodes.push_back(StoredNodeAt(workload, at));
     return nodes;
 }
 
@@ -50,6 +39,17 @@ const std::vector<size_t>& Order() {
 const std::vector<StoredNode>& StoredNodes() {
     static const std::vector<StoredNode> nodes = MakeStoredNodes();
     return nodes;
+}
+
+StoredNode StoredNodeAt(const Workload& workload, size_t index) {
+    StoredNode node{&workload.Nodes[index], {}, {}};
+    for (size_t at = index;; at = (at - 1) / workload.FanOut) {
+        const NodeData& data = workload.Nodes[at];
+        node.Path.insert(0, TREEVAULT_WIDE("\\") + data.Name);
+        node.NarrowPath.insert(0, "\\" + data.Narrow->Name);
+        if (at == 0)
+            return node;
+    }
 }
 
 LeafOrder::LeafOrder(size_t start) : Count(Order().size()), At(start % Count) {}

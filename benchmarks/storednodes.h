@@ -14,12 +14,13 @@ struct StoredNode {
     const NodeData* Data;
     Text Path;
     std::string NarrowPath;
-    std::string NarrowType;
-    std::string NarrowTitle;
 };
 
 // All of them, parents first.
 const std::vector<StoredNode>& StoredNodes();
+
+// Any node of a workload.
+StoredNode StoredNodeAt(const Workload& workload, size_t index);
 
 // The 100,000 without children, which benchmarks change.
 inline std::span<const StoredNode> StoredLeaves() {

@@ -3,6 +3,9 @@
 #include "common/functiontrace.h"
 #include "measure.h"
 
+#include <spdlog/logger.h>
+#include <spdlog/sinks/null_sink.h>
+
 #include <chrono>
 
 namespace treevault::benchmarks {
@@ -21,6 +24,13 @@ namespace {
     return (std::chrono::steady_clock::now() - start).count();
 }
 
+// The two lines of a trace, disabled.
+[[gnu::noinline]] void TracedBySpdlog(spdlog::logger& logger) {
+    logger.trace("-> {}", "CBenchmark::Traced");
+    benchmark::ClobberMemory();
+    logger.trace("<- {}", "CBenchmark::Traced");
+}
+
 [[gnu::noinline]] void Untraced() {
     benchmark::ClobberMemory();
 }
@@ -37,6 +47,13 @@ void BM_SteadyClockTwice(benchmark::State& state) {
     CountItems(state, 1);
 }
 
+void BM_TraceSpdlog(benchmark::State& state) {
+    spdlog::logger logger("benchmark", std::make_shared<spdlog::sinks::null_sink_mt>());
+    for (auto _ : state)
+        TracedBySpdlog(logger);
+    CountItems(state, 1);
+}
+
 void BM_PlainCall(benchmark::State& state) {
     for (auto _ : state)
         Untraced();
@@ -47,6 +64,7 @@ void BM_PlainCall(benchmark::State& state) {
 
 BENCHMARK(BM_DisabledTrace)->Name("BM_DisabledTrace/treevault");
 BENCHMARK(BM_SteadyClockTwice)->Name("BM_DisabledTrace/steady_clock_twice");
+BENCHMARK(BM_TraceSpdlog)->Name("BM_DisabledTrace/spdlog");
 BENCHMARK(BM_PlainCall)->Name("BM_DisabledTrace/plain_call");
 
 } // namespace treevault::benchmarks

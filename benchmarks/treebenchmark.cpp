@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Whole trees: building, freeing and cloning them, for each node, and the memory that a node takes.
+#include "libxmltree.h"
 #include "measure.h"
+#include "propertytree.h"
+#include "pugitree.h"
 #include "structtree.h"
 #include "vaulttree.h"
 
@@ -66,7 +69,10 @@ void BM_CloneNode(benchmark::State& state) {
 #define TREE_BENCHMARK(workload)                                                                   \
     BENCHMARK_TEMPLATE(workload, VaultTree)->Name(#workload "/treevault")->UseManualTime();        \
     BENCHMARK_TEMPLATE(workload, VectorTree)->Name(#workload "/struct_vector")->UseManualTime();   \
-    BENCHMARK_TEMPLATE(workload, MapTree)->Name(#workload "/struct_map")->UseManualTime()
+    BENCHMARK_TEMPLATE(workload, MapTree)->Name(#workload "/struct_map")->UseManualTime();         \
+    BENCHMARK_TEMPLATE(workload, PugiTree)->Name(#workload "/pugixml")->UseManualTime();           \
+    BENCHMARK_TEMPLATE(workload, LibxmlTree)->Name(#workload "/libxml2")->UseManualTime();         \
+    BENCHMARK_TEMPLATE(workload, PropertyTree)->Name(#workload "/ptree")->UseManualTime()
 
 TREE_BENCHMARK(BM_BuildNode);
 TREE_BENCHMARK(BM_BuildFlatNode);

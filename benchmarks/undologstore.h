@@ -4,6 +4,7 @@
 #ifndef TREEVAULT_BENCHMARKS_UNDOLOGSTORE_H
 #define TREEVAULT_BENCHMARKS_UNDOLOGSTORE_H
 
+#include "measure.h"
 #include "storednodes.h"
 
 #include <functional>
@@ -48,6 +49,12 @@ public:
     void Rollback() {
         for (; !UndoLog.empty(); UndoLog.pop_back())
             UndoLog.back().Place->second = std::move(UndoLog.back().Old);
+    }
+
+    double TimedRollback() {
+        const Stopwatch watch;
+        Rollback();
+        return watch.Seconds();
     }
 
     int32_t NumberAt(const StoredNode& place) { return Nodes.at(place.Path).Number; }

@@ -3,6 +3,7 @@
 // each time, as a statement of a database is prepared once.
 #include "vaultstore.h"
 
+#include "measure.h"
 #include "vaulttree.h"
 
 namespace treevault::benchmarks {
@@ -31,11 +32,15 @@ public:
             ++Told;
         return S_OK;
     }
-    HRESULT TREEVAULT_CALL OnPreCommit() override { return Refuses ? E_FAIL : S_OK; }
+    HRESULT TREEVAULT_CALL OnPreCommit() override {
+        SinceEnd = Stopwatch();
+        return Refuses ? E_FAIL : S_OK;
+    }
     void TREEVAULT_CALL OnFinish(int32_t) override {}
 
     uint64_t Told = 0;
     bool Refuses = false;
+    Stopwatch SinceEnd; // of the changes of the last group
 
 private:
     IModifySinkRegistry* Registry = nullptr;
@@ -66,9 +71,9 @@ void Store(INodeStorage* storage, IOperationsGroup* group, const StoredNode& pla
 
 } // namespace
 
-VaultStore::VaultStore() : Filter(MakeFilter()) {
+VaultStore::VaultStore(const Workload& workload) : Filter(MakeFilter()) {
     Require(StgCreateStorage(TREEVAULT_MEMORY_STORAGE, nullptr, nullptr, 0, &Storage));
-    VaultTree tree(DeepWorkload());
+    VaultTree tree(workload);
     Require(StgStoreData(Storage, nullptr, StoreMergeAll, &tree.Root, 1));
 }
 
@@ -122,6 +127,17 @@ void VaultStore::Rollback() {
     if (!Sinks.empty())
         Sinks.front()->Refuses = false;
     StgCloseOperationsGroup(Storage, Group);
+}
+
+double VaultStore::TimedRollback() {
+    Sink& sink = *Sinks.front();
+    sink.Refuses = true;
+    const HRESULT hr = StgFinalizeOperationsGroup(Storage, Group);
+    const double seconds = sink.SinceEnd.Seconds();
+    sink.Refuses = false;
+    Require(hr == E_FAIL ? S_OK : E_UNEXPECTED);
+    StgCloseOperationsGroup(Storage, Group);
+    return seconds;
 }
 
 int32_t VaultStore::NumberAt(const StoredNode& place) {

@@ -12,7 +12,7 @@ namespace treevault::benchmarks {
 
 class VaultStore {
 public:
-    VaultStore();
+    explicit VaultStore(const Workload& workload = DeepWorkload());
     ~VaultStore();
     VaultStore(const VaultStore&) = delete;
     VaultStore& operator=(const VaultStore&) = delete;
@@ -29,6 +29,8 @@ public:
     void Add(const StoredNode& place, const StoredNode& values);
     void Commit();
     void Rollback();
+    // The same with at least one sink; the seconds since that sink refused the group.
+    double TimedRollback();
 
     int32_t NumberAt(const StoredNode& place);
 

@@ -2,9 +2,12 @@
 // Makes the workloads from a generator that gives the same numbers on every machine.
 #include "workload.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
-#include <unordered_set>
+#include <deque>
+#include <string_view>
 
 namespace treevault::benchmarks {
 
@@ -36,6 +39,21 @@ private:
     uint64_t State;
 };
 
+std::string Narrowed(const Text& text) {
+    std::string narrow;
+    for (const WCHAR unit : text)
+        narrow += static_cast<char>(unit);
+    return narrow;
+}
+
+// Apart from the nodes, so that they don't stand between what others read. They stay for good.
+void AddNarrowTexts(Workload& workload) {
+    static std::deque<NarrowTexts> texts;
+    for (NodeData& node : workload.Nodes)
+        node.Narrow = &texts.emplace_back(
+            NarrowTexts{Narrowed(node.Name), Narrowed(*node.Type), Narrowed(node.Title)});
+}
+
 const Text* TypeName(size_t index) {
     static const std::array<Text, 16> types = [] {
         Generator generator(16);
@@ -48,7 +66,7 @@ const Text* TypeName(size_t index) {
 }
 
 NodeData MakeNode(Generator& generator) {
-    NodeData node;
+    NodeData node{};
     node.Name = generator.Letters(8 + generator.Below(9));
     node.Type = TypeName(generator.Below(16));
     node.Number = static_cast<int32_t>(generator.Next() >> 32);
@@ -60,16 +78,25 @@ NodeData MakeNode(Generator& generator) {
     return node;
 }
 
+// No two of them are equal. In one block, as freed memory between the nodes would be where all that
+// is measured begins to take its own.
+void CheckNames(const Workload& workload) {
+    std::vector<std::basic_string_view<WCHAR>> names;
+    for (const NodeData& node : workload.Nodes)
+        names.push_back(node.Name);
+    std::sort(names.begin(), names.end());
+    if (std::adjacent_find(names.begin(), names.end()) != names.end())
+        std::abort();
+}
+
 Workload MakeWorkload(size_t fanOut, size_t count) {
     Generator generator(fanOut * 1000003 + count);
-    std::unordered_set<Text> names;
     Workload workload{fanOut, {}};
     workload.Nodes.reserve(count);
-    while (workload.Nodes.size() < count) {
-        NodeData node = MakeNode(generator);
-        if (names.insert(node.Name).second)
-            workload.Nodes.push_back(std::move(node));
-    }
+    while (workload.Nodes.size() < count)
+        workload.Nodes.push_back(MakeNode(generator));
+    CheckNames(workload);
+    AddNarrowTexts(workload);
     return workload;
 }
 
@@ -82,6 +109,18 @@ const Workload& DeepWorkload() {
 
 const Workload& FlatWorkload() {
     static const Workload workload = MakeWorkload(100000, 100001);
+    return workload;
+}
+
+Workload BalancedWorkload(size_t levels) {
+    size_t count = 0;
+    for (size_t level = 0; level < levels; ++level)
+        count = 10 * count + 1;
+    const std::vector<NodeData>& nodes = DeepWorkload().Nodes;
+    Workload workload{10, {}};
+    workload.Nodes.reserve(count);
+    for (size_t at = 0; at < count; ++at)
+        workload.Nodes.push_back(nodes[at % nodes.size()]);
     return workload;
 }
 

@@ -20,6 +20,19 @@ inline constexpr const WCHAR* GuidName = TREEVAULT_WIDE("Guid");
 inline constexpr const WCHAR* StampName = TREEVAULT_WIDE("Stamp");
 inline constexpr const WCHAR* TitleName = TREEVAULT_WIDE("Title");
 
+// The names of the attributes for references whose text is narrow.
+inline constexpr const char* NarrowNumberName = "Count";
+inline constexpr const char* NarrowGuidName = "Guid";
+inline constexpr const char* NarrowStampName = "Stamp";
+inline constexpr const char* NarrowTitleName = "Title";
+
+// The texts of a node for them, so that nobody converts while the time runs.
+struct NarrowTexts {
+    std::string Name;
+    std::string Type;
+    std::string Title;
+};
+
 struct NodeData {
     Text Name;        // 8 to 16 letters, unlike any other of the workload
     const Text* Type; // one of 16
@@ -27,6 +40,7 @@ struct NodeData {
     GUID Id;
     uint64_t Stamp;
     Text Title; // 12 letters
+    const NarrowTexts* Narrow;
 };
 
 // A tree in breadth-first order; node 0 is the root.
@@ -43,6 +57,10 @@ const Workload& DeepWorkload();
 
 // A root with 100,000 children.
 const Workload& FlatWorkload();
+
+// A tree of another size, ten children to a node with `levels` levels in all. Beyond the size of
+// the deep workload the nodes repeat; siblings always differ.
+Workload BalancedWorkload(size_t levels);
 
 } // namespace treevault::benchmarks
 

@@ -1,15 +1,20 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs the Debian packages that the project is built and tested with, those that are missing.
-# "scripts/setup.sh linux" leaves out what only the Windows build needs.
+# "scripts/setup.sh linux" leaves out what only the Windows build and the tests need; so does
+# "scripts/setup.sh benchmark", which adds what the benchmarks need and compare with.
 set -euo pipefail
 
 packages=(g++ cmake ninja-build librapidxml-dev libutfcpp-dev uuid-dev libcli11-dev
-    libgtest-dev libgmock-dev libbenchmark-dev libsqlite3-dev binutils
-    binutils-mingw-w64-x86-64 clang-format)
-if [ "${1:-all}" != linux ]; then
-    packages+=(g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 wine googletest)
-fi
+    libgtest-dev libgmock-dev binutils binutils-mingw-w64-x86-64 clang-format)
+test_packages=(g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 wine googletest valgrind)
+benchmark_packages=(libbenchmark-dev libsqlite3-dev libpugixml-dev libboost-dev libxml2-dev
+    libspdlog-dev)
+case ${1:-all} in
+linux) ;;
+benchmark) packages+=("${benchmark_packages[@]}") ;;
+*) packages+=("${test_packages[@]}") ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do
