@@ -3,7 +3,7 @@
 # scale, with a mark where the limit is.
 BEGIN {
     FS = ","
-    left = 250
+    left = 300
     width = 420
     height = 18
     top = 48
