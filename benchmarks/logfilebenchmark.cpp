@@ -4,6 +4,7 @@
 #include "common/filelogger.h"
 #include "common/loggerconfig.h"
 #include "measure.h"
+#include "platform/process.h"
 
 #include <spdlog/logger.h>
 #include <spdlog/sinks/basic_file_sink.h>
@@ -13,7 +14,6 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <unistd.h>
 
 namespace treevault::benchmarks {
 
@@ -24,7 +24,7 @@ class LogFile {
 public:
     explicit LogFile(const char* name)
         : Path(std::filesystem::temp_directory_path() /
-               ("treevault-" + std::to_string(getpid()) + "-" + name)) {}
+               ("treevault-" + std::to_string(CurrentProcessId()) + "-" + name)) {}
     ~LogFile() { std::filesystem::remove(Path); }
     LogFile(const LogFile&) = delete;
     LogFile& operator=(const LogFile&) = delete;
