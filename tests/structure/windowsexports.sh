@@ -47,7 +47,7 @@ fi
 CheckAliases "$work/symbols" || status=1
 
 # What every Windows has.
-system='kernel32|user32|advapi32|ole32|oleaut32|rpcrt4|msvcrt|ntdll|crypt32|api-ms-win-core-.*'
+system='kernel32|user32|advapi32|ole32|oleaut32|rpcrt4|shlwapi|msvcrt|ntdll|crypt32|api-ms-win-core-.*'
 if sed -nE 's/^[[:space:]]*DLL Name: //p' "$work/headers" | grep -viE "^($system)\.dll$"; then
     echo "$library: needs what is no part of Windows"
     status=1
