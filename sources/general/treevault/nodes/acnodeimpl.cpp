@@ -58,6 +58,17 @@ Ref<CACNodeImpl> CACNodeImpl::GetImpl(IACNode* node) {
     return Ref<CACNodeImpl>::Attach(static_cast<CACNodeImpl*>(impl));
 }
 
+Ref<CACNodeImpl> CACNodeImpl::TryGetImpl(IACNode* node) {
+    void* impl = nullptr;
+    const bool isOurs = SUCCEEDED(node->QueryInterface(&IID_ACNodeImpl, &impl));
+    return Ref<CACNodeImpl>::Attach(isOurs ? static_cast<CACNodeImpl*>(impl) : nullptr);
+}
+
+WideString CACNodeImpl::GetTypeName() const noexcept {
+    const LockGuard guard(Lock);
+    return TypeName;
+}
+
 PathRef CACNodeImpl::GetPathLink() const noexcept {
     const LockGuard guard(Lock);
     return Path;

@@ -62,6 +62,13 @@ public:
     // The implementation of a node; raises E_NOINTERFACE for a foreign one.
     static Ref<CACNodeImpl> GetImpl(IACNode* node);
 
+    // The same, or none for a foreign node.
+    static Ref<CACNodeImpl> TryGetImpl(IACNode* node);
+
+    // None if there is no child of that name.
+    Ref<CACNodeImpl> FindChild(WideView name) const noexcept;
+
+    WideString GetTypeName() const noexcept;
     PathRef GetPathLink() const noexcept;
     AttributeTable GetAttributeTable() const noexcept;
 

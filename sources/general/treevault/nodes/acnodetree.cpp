@@ -198,6 +198,11 @@ HRESULT CACNodeImpl::GetChildByName(const WCHAR* name, IACNode** child) {
     });
 }
 
+Ref<CACNodeImpl> CACNodeImpl::FindChild(WideView name) const noexcept {
+    const LockGuard guard(Lock);
+    return Ref<CACNodeImpl>::Share(ChildrenByName.Find(name));
+}
+
 // A parent whose count is 0 is about to clear this node's Parent and counts as none.
 Ref<CACNodeImpl> CACNodeImpl::GetStrongParent() const noexcept {
     const LockGuard guard(Lock);

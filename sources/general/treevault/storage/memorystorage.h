@@ -73,7 +73,7 @@ public:
     NodeRef PvtFindNodeByPath(WideView path, bool build, CPendingOperations* group);
 
     // The child of that name, or the root where the parent is null; null if there is none.
-    NodeRef PvtFindChild(IACNode* parent, const WideText& name);
+    NodeRef PvtFindChild(IACNode* parent, WideView name);
 
     // Each root, in the order of the names.
     template <class Visit>
@@ -111,7 +111,7 @@ private:
     StorageLock Lock; // guards RootNodes and every tree below
     bool BuildParentNodesIfMissing = true;
     bool MaintainAtomicity = true;
-    std::map<WideText, NodeRef> RootNodes;
+    std::map<WideText, NodeRef, std::less<>> RootNodes;
     Ref<IModifySink> ModifySinks; // the pool
     GUID StorageBackupId = {};
     std::atomic<uint64_t> StorageUsn{0};

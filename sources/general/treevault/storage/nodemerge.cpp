@@ -126,10 +126,10 @@ void NodeMerge::BeginChange(IACNode* existing, const WCHAR* name) {
     EnsureSnapshot(existing);
     if (ChangedNames.empty()) {
         const auto stored = Ref<IACNode>::Share(existing);
-        Group.AddUndo(Group.PrepareUndo([snapshot = Snapshot, stored, oldType = OldType] {
+        Group.AddUndo(Group.PrepareUndo([snapshot = Snapshot, stored] {
             if (snapshot.Get() != stored.Get())
                 RestoreAttributes(snapshot.Get(), stored.Get());
-            HRES{stored->SetType(oldType.c_str())};
+            HRES{stored->SetType(ReadType(snapshot.Get()).c_str())};
         }));
     }
     ChangedNames.append(name).push_back(0);
@@ -168,26 +168,76 @@ void NodeMerge::ReplaceAttributes(IACNode* existing, IACNode* given) {
     });
 }
 
-void NodeMerge::MergeType(IACNode* existing, const WideText& givenType) {
+void NodeMerge::MergeType(IACNode* existing, WideView oldType, WideView givenType) {
     const bool takesAnyType = Mode == StoreReplaceAttributes || Mode == StoreReplaceAll;
-    if (givenType == OldType || (givenType.empty() && !takesAnyType))
+    if (givenType == oldType || (givenType.empty() && !takesAnyType))
         return;
     EnsureSnapshot(existing);
-    HRES{existing->SetType(givenType.c_str())};
+    HRES{existing->SetType(WideText(givenType).c_str())};
+}
+
+void NodeMerge::MergeForeignAttributes(IACNode* existing, IACNode* given) {
+    if (ReplacesAttributes())
+        ReplaceAttributes(existing, given);
+    else
+        ForEachName(Mode == StoreMergeModified ? ReadModifiedAttributeNames(given)
+                                               : ReadAttributeNames(given),
+                    [&](const WCHAR* name) { MergeAttribute(existing, given, name); });
+    MergeType(existing, ReadType(existing), ReadType(given));
+}
+
+namespace {
+
+bool EqualValues(const AttributeEntry& left, const AttributeEntry& right) noexcept {
+    return left.Type == right.Type && left.Value.Size() == right.Value.Size() &&
+           std::memcmp(left.Value.Data(), right.Value.Data(), left.Value.Size()) == 0;
+}
+
+} // namespace
+
+// Nodes of the library are compared where their values lie. The given table is shared meanwhile, so
+// that nobody changes it.
+void NodeMerge::MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& given) {
+    const AttributeTable table = given.GetAttributeTable();
+    const LockGuard guard(existing.Lock);
+    for (const AttributeEntry& entry : table.Entries()) {
+        const WCHAR* const name = table.Name(entry);
+        const bool isLookedAt =
+            Mode != StoreMergeModified || (entry.LoadFlags() & AttributeModified) != 0;
+        if (*name == 0 || !isLookedAt)
+            continue;
+        const AttributeEntry* const old = existing.AttributesUnderLock().Find(name);
+        if (old && EqualValues(*old, entry))
+            continue;
+        BeginChange(&existing, name);
+        HRES{existing.SetAttribute(name, entry.Type, entry.Value.Data(), entry.Value.Size())};
+    }
+    if (ReplacesAttributes()) {
+        std::vector<WideText> others;
+        for (const AttributeEntry& entry : existing.AttributesUnderLock().Entries()) {
+            const WCHAR* const name = existing.AttributesUnderLock().Name(entry);
+            if (*name != 0 && !table.Find(name))
+                others.emplace_back(name);
+        }
+        for (const WideText& name : others) {
+            BeginChange(&existing, name.c_str());
+            HRES{existing.DeleteAttribute(name.c_str())};
+        }
+    }
+    MergeType(&existing, existing.GetTypeName(), given.GetTypeName());
 }
 
 // A change of type alone is neither undone nor told.
 void NodeMerge::MergeAttributes(const Ref<IACNode>& existing, const Ref<IACNode>& given) {
     Snapshot.Reset();
     ChangedNames.clear();
-    OldType = ReadType(existing.Get());
-    if (ReplacesAttributes())
-        ReplaceAttributes(existing.Get(), given.Get());
+    const Ref<CACNodeImpl> ownExisting = CACNodeImpl::TryGetImpl(existing.Get());
+    const Ref<CACNodeImpl> ownGiven =
+        given && ownExisting ? CACNodeImpl::TryGetImpl(given.Get()) : Ref<CACNodeImpl>();
+    if (ownGiven)
+        MergeOwnAttributes(*ownExisting, *ownGiven);
     else
-        ForEachName(Mode == StoreMergeModified ? ReadModifiedAttributeNames(given.Get())
-                                               : ReadAttributeNames(given.Get()),
-                    [&](const WCHAR* name) { MergeAttribute(existing.Get(), given.Get(), name); });
-    MergeType(existing.Get(), ReadType(given.Get()));
+        MergeForeignAttributes(existing.Get(), given.Get());
     if (!ChangedNames.empty())
         Storage.PvtSignalModified(Snapshot.Get(), existing.Get(), ModifyNodeChanged,
                                   ChangedNames.c_str());

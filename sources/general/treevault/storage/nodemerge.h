@@ -3,6 +3,7 @@
 #ifndef TREEVAULT_STORAGE_NODEMERGE_H
 #define TREEVAULT_STORAGE_NODEMERGE_H
 
+#include "general/treevault/nodes/acnodeimpl.h"
 #include "general/treevault/nodes/nodereading.h"
 #include "general/treevault/storage/memorystorage.h"
 
@@ -44,9 +45,11 @@ private:
     void FinishLevel(Level& level);
 
     void MergeAttributes(const Ref<IACNode>& existing, const Ref<IACNode>& given);
+    void MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& given);
+    void MergeForeignAttributes(IACNode* existing, IACNode* given);
     void MergeAttribute(IACNode* existing, IACNode* given, const WCHAR* name);
     void ReplaceAttributes(IACNode* existing, IACNode* given);
-    void MergeType(IACNode* existing, const WideText& givenType);
+    void MergeType(IACNode* existing, WideView oldType, WideView givenType);
     void EnsureSnapshot(IACNode* existing);
     void BeginChange(IACNode* existing, const WCHAR* name);
     bool ReplacesAttributes() const noexcept {
@@ -60,7 +63,6 @@ private:
 
     // Of the pair of nodes at work.
     Ref<IACNode> Snapshot; // the stored node before its first change
-    WideText OldType;
     WideText ChangedNames; // each changed attribute with its terminator
 
     RawAttribute GivenValue;

@@ -57,13 +57,15 @@ void CMemoryStorage::PvtStoreNode(StoreMode mode, const NodeRef& node, bool alre
         PvtSignalModified(parent.Get(), parent.Get(), flags, nullptr);
 }
 
-CMemoryStorage::NodeRef CMemoryStorage::PvtFindChild(IACNode* parent, const WideText& name) {
+CMemoryStorage::NodeRef CMemoryStorage::PvtFindChild(IACNode* parent, WideView name) {
     if (!parent) {
         const auto found = RootNodes.find(name);
         return found == RootNodes.end() ? NodeRef() : found->second;
     }
+    if (const Ref<CACNodeImpl> impl = CACNodeImpl::TryGetImpl(parent))
+        return NodeRef::Attach(impl->FindChild(name).Detach());
     NodeRef child;
-    const HRESULT hr = parent->GetChildByName(name.c_str(), child.Put());
+    const HRESULT hr = parent->GetChildByName(WideText(name).c_str(), child.Put());
     if (hr == TREEVAULT_E_NOT_FOUND)
         return NodeRef();
     HRES{hr};
@@ -78,13 +80,13 @@ CMemoryStorage::NodeRef CMemoryStorage::PvtFindNodeByPath(WideView path, bool bu
         return current;
     do {
         const size_t end = std::min(path.find(PathSeparator, begin), path.size());
-        const WideText component(path.substr(begin, end - begin));
+        const WideView component = path.substr(begin, end - begin);
         begin = end + 1;
         NodeRef next = PvtFindChild(current.Get(), component);
         if (!next) {
             if (!build)
                 return NodeRef();
-            next = CreateNode(component.c_str(), nullptr);
+            next = CreateNode(WideText(component).c_str(), nullptr);
             ModifyMask flags = 0;
             PvtAddNode(current, next, true, *group, &flags);
             if (current && flags != 0)
