@@ -129,6 +129,31 @@ TEST(BinaryText, OtherUnitsAreNoDigits) {
     ExpectFails(Value(VtStringA, A("HEX:\xB0\xB0")), VtBinary, CannotConvert);
 }
 
+// Digits are taken many at a time: whatever the length, and wherever something else stands.
+TEST(BinaryText, HexOfEveryLengthWithOneWrongUnitAnywhere) {
+    for (size_t length = 0; length <= 40; ++length) {
+        Bytes bytes;
+        std::string text = "HEX:";
+        for (size_t at = 0; at < length; ++at) {
+            const auto value = static_cast<unsigned char>(at * 37 + length);
+            bytes += static_cast<char>(value);
+            text += "0123456789aBcDeF"[value >> 4];
+            text += "0123456789AbCdEf"[value & 15];
+        }
+        ExpectBinary(text, bytes);
+        for (size_t at = 4; at < text.size(); at += 3) {
+            for (const char wrong : {'/', ':', '@', 'G', '`', 'g', '\x7F'}) {
+                std::string broken = text;
+                broken[at] = wrong;
+                ExpectBinary(broken, X);
+            }
+            Bytes wide = U(text);
+            wide[2 * at + 1] = 1; // the high byte of a digit
+            ExpectOutcome(Value(VtStringW, wide), VtBinary, X);
+        }
+    }
+}
+
 TEST(BinaryText, ABinaryThatDoesNotFitIsNotWrittenInParts) {
     for (const std::string_view text : {"HEX:010203"sv, "B64:AQID"sv}) {
         const Attempt attempt(Value(VtStringA, A(text)), VtBinary, 2);
