@@ -56,7 +56,7 @@ run_suite() { # PRESET
         return
     fi
     echo "== $preset: testing"
-    ctest --preset "$preset" -V --no-tests=error >"$log" 2>&1
+    ctest --preset "$preset" -V -j "$(nproc)" --no-tests=error >"$log" 2>&1
     local result=$?
     read -r p f < <(count_cases "$log")
     # A suite that fails without a failed case has not run as it should.
