@@ -72,6 +72,29 @@ private:
     std::mutex Writers; // held from the coming of a writer to its leaving
 };
 
+// Hold a lock for a scope, among other readers or alone.
+class SharedGuard {
+public:
+    explicit SharedGuard(ReaderWriterLock& lock) noexcept : Held(lock) { Held.EnterShared(); }
+    ~SharedGuard() { Held.LeaveShared(); }
+    SharedGuard(const SharedGuard&) = delete;
+    SharedGuard& operator=(const SharedGuard&) = delete;
+
+private:
+    ReaderWriterLock& Held;
+};
+
+class ExclusiveGuard {
+public:
+    explicit ExclusiveGuard(ReaderWriterLock& lock) : Held(lock) { Held.EnterExclusive(); }
+    ~ExclusiveGuard() { Held.LeaveExclusive(); }
+    ExclusiveGuard(const ExclusiveGuard&) = delete;
+    ExclusiveGuard& operator=(const ExclusiveGuard&) = delete;
+
+private:
+    ReaderWriterLock& Held;
+};
+
 } // namespace treevault
 
 #endif

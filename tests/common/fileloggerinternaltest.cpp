@@ -70,7 +70,6 @@ TEST_F(LogFile, HasEveryLineOfManyThreadsWhole) {
                 });
         }
         std::vector<int> found(threads);
-        std::ifstream text;
         std::istringstream log(ReadLog(path));
         for (std::string line; std::getline(log, line);) {
             const auto thread = static_cast<size_t>(line.empty() ? 99 : line[0] - 'a');

@@ -79,21 +79,6 @@ void CInnerModifySinkPool::OnFinish(int32_t result) {
         sink->OnFinish(result);
 }
 
-namespace {
-
-class ExclusiveGuard {
-public:
-    explicit ExclusiveGuard(ReaderWriterLock& lock) : Lock(lock) { Lock.EnterExclusive(); }
-    ~ExclusiveGuard() { Lock.LeaveExclusive(); }
-    ExclusiveGuard(const ExclusiveGuard&) = delete;
-    ExclusiveGuard& operator=(const ExclusiveGuard&) = delete;
-
-private:
-    ReaderWriterLock& Lock;
-};
-
-} // namespace
-
 HRESULT CInnerModifySinkPool::RegisterSink(IModifySink* sink, GUID* id) {
     return Boundary([&] {
         CheckOutPointer(sink);
