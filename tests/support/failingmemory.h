@@ -6,13 +6,14 @@
 #ifndef TREEVAULT_TESTS_SUPPORT_FAILINGMEMORY_H
 #define TREEVAULT_TESTS_SUPPORT_FAILINGMEMORY_H
 
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
 
 namespace treevault::tests {
 
-// Concerns the calling thread alone.
+// Memory runs out for the calling thread alone.
 class FailingMemory {
 public:
     enum class Mode {
@@ -32,7 +33,8 @@ public:
 
     bool Failed() const { return HasFailed; }
 
-    // The blocks that this thread has allocated and not given back.
+    // The blocks that all threads have allocated and not given back: what one allocates another may
+    // give back, as the settings that the log keeps. The other threads must be at rest.
     static int64_t LiveBlocks() { return Live; }
 
     // Out of line, since the compiler takes what it sees of malloc and free behind new and delete
@@ -60,7 +62,7 @@ private:
     inline static thread_local uint64_t Countdown = 0;
     inline static thread_local bool KeepsFailing = false;
     inline static thread_local bool HasFailed = false;
-    inline static thread_local int64_t Live = 0;
+    inline static std::atomic<int64_t> Live{0};
 };
 
 } // namespace treevault::tests

@@ -9,7 +9,7 @@ write(out.xml "old")
 function(run_shell script)
     execute_process(COMMAND sh -c "${script}" WORKING_DIRECTORY ${WORK}
         OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE status)
-    string(REGEX REPLACE "FileLogger: [^\n]*\n" "" err "${err}")
+    drop_log_reports(err)
     set(out "${out}" PARENT_SCOPE)
     set(err "${err}" PARENT_SCOPE)
     set(status "${status}" PARENT_SCOPE)

@@ -5,6 +5,12 @@ cmake_policy(VERSION 3.25)
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
 
+# drop_log_reports(VARIABLE): what the log tells of its own file is no word of the program's.
+function(drop_log_reports variable)
+    string(REGEX REPLACE "FileLogger: [^\n]*\n" "" text "${${variable}}")
+    set(${variable} "${text}" PARENT_SCOPE)
+endfunction()
+
 # treevault(ARGUMENT... [INPUT FILE]): runs the program; `out`, `err` and `status` tell the outcome.
 function(treevault)
     set(arguments "")
@@ -23,8 +29,7 @@ function(treevault)
         execute_process(COMMAND ${EMULATOR_COMMAND} [==[${PROGRAM}]==] ${arguments} ${input}
             WORKING_DIRECTORY [==[${WORK}]==]
             OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE status)")
-    # What the log tells of its own file is no word of the program's.
-    string(REGEX REPLACE "FileLogger: [^\n]*\n" "" err "${err}")
+    drop_log_reports(err)
     set(out "${out}" PARENT_SCOPE)
     set(err "${err}" PARENT_SCOPE)
     set(status "${status}" PARENT_SCOPE)

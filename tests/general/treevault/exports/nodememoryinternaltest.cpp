@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Node functions when memory runs out at each of their allocations: they fail with E_OUTOFMEMORY or
 // std::bad_alloc, change nothing, leak nothing, and succeed once there is memory again.
-#include "common/loggerconfig.h"
 #include "support/failingmemory.h"
+#include "support/leakcheck.h"
 #include "support/logcapture.h"
 #include "support/nodes.h"
 
@@ -31,13 +31,7 @@ class Memory : public NodeTest {
 protected:
     template <class S>
     void Sweep() {
-        // What is read and kept once is made by a first round: settings, statics, texts of errors.
-        RunEach<S>();
-        GetLoggerConfig().Refresh();
-        const int64_t blocks = FailingMemory::LiveBlocks();
-        RunEach<S>();
-        GetLoggerConfig().Refresh();
-        EXPECT_EQ(blocks, FailingMemory::LiveBlocks()) << "memory leaked";
+        ExpectNoLeak([this] { RunEach<S>(); });
     }
 
     int Allocations = 0; // that a call makes, of the last sweep
