@@ -29,6 +29,19 @@ constexpr uint64_t FromUnix(int64_t seconds) {
     return static_cast<uint64_t>((seconds + 11'644'473'600) * 10'000'000);
 }
 
+// Whatever reads it, the clock is the one of the system.
+TEST(PosixTickCount, IsTheCoarseMonotonicClock) {
+    const auto read = [] {
+        timespec now{};
+        clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+        return static_cast<uint32_t>(now.tv_sec * 1000 + now.tv_nsec / 1'000'000);
+    };
+    const uint32_t before = read();
+    const uint32_t tick = TickCount();
+    const uint32_t after = read();
+    EXPECT_LE(tick - before, after - before);
+}
+
 constexpr uint64_t Summer = FromUnix(1'719'835'200); // 2024-07-01 12:00:00 UTC
 constexpr uint64_t Winter = FromUnix(1'704'110'400); // 2024-01-01 12:00:00 UTC
 
@@ -67,6 +80,7 @@ TEST(PosixLocalTime, ReachesFromTheEpochToItsEnd) {
 TEST(PosixLocalTime, BeyondItsEndIsZero) {
     const Zone zone("XYZ-1");
     EXPECT_EQ(0u, ToLocalTime(UINT64_MAX).Year);
+    EXPECT_EQ(0u, ToLocalTime(INT64_MAX).Year);
 }
 
 TEST(PosixLocalTime, BeforeTheEpochIsZero) {
