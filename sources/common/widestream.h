@@ -34,11 +34,11 @@ public:
         if constexpr (std::signed_integral<Number>)
             return AppendSigned(number);
         else
-            return AppendUnsigned(number, 10, 1);
+            return AppendUnsigned(number);
     }
 
     // Upper-case hexadecimal, filled up with zeros to `digits`.
-    WideStream& Hex(uint64_t number, unsigned digits) { return AppendUnsigned(number, 16, digits); }
+    WideStream& Hex(uint64_t number, unsigned digits);
 
     // "0x" and 16 upper-case hexadecimal digits.
     WideStream& Address(const void* address) {
@@ -51,7 +51,7 @@ public:
 
 private:
     WideStream& AppendSigned(int64_t number);
-    WideStream& AppendUnsigned(uint64_t number, unsigned base, unsigned digits);
+    WideStream& AppendUnsigned(uint64_t number);
 
     WideText Text;
 };
