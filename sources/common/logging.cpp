@@ -73,9 +73,11 @@ constexpr WideView LineEnd = TV_W("\r\n");
 
 // What follows the last separator, cut.
 std::string_view ShownFileName(const char* path) noexcept {
-    std::string_view name(path ? path : "");
-    name.remove_prefix(name.find_last_of("\\/") + 1);
-    return name.substr(0, FileNameWidth);
+    const std::string_view whole(path ? path : "");
+    size_t start = whole.size();
+    while (start != 0 && whole[start - 1] != '\\' && whole[start - 1] != '/')
+        --start;
+    return whole.substr(start, FileNameWidth);
 }
 
 // What stands before the message: never longer than the sum of its widths, so that it is built
@@ -93,38 +95,40 @@ public:
         return *this;
     }
 
-    LineHead& Fill(size_t count, WCHAR unit) noexcept {
-        End = std::fill_n(End, count, unit);
+    LineHead& Blanks(size_t count) noexcept {
+        End = std::fill_n(End, count, TV_W(' '));
+        return *this;
+    }
+
+    // The last `count` digits of a number.
+    LineHead& Digits(uint32_t number, size_t count) noexcept {
+        for (size_t at = count; at-- != 0; number /= 10)
+            End[at] = static_cast<WCHAR>(TV_W('0') + number % 10);
+        End += count;
         return *this;
     }
 
     // Aligned to the right.
-    LineHead& Number(uint64_t number, size_t width, WCHAR fill = TV_W('0')) noexcept {
+    LineHead& NumberRight(uint32_t number, size_t width) noexcept {
         const size_t digits = CountDigits(number);
-        Fill(width - std::min(width, digits), fill);
-        WCHAR* at = End += digits;
-        do {
-            *--at = static_cast<WCHAR>(TV_W('0') + number % 10);
-            number /= 10;
-        } while (number != 0);
-        return *this;
+        return Blanks(width - std::min(width, digits)).Digits(number, digits);
     }
 
     // Aligned to the left.
-    LineHead& NumberLeft(uint64_t number, size_t width) noexcept {
-        Number(number, 0);
-        return Fill(width - std::min(width, CountDigits(number)), TV_W(' '));
+    LineHead& NumberLeft(uint32_t number, size_t width) noexcept {
+        const size_t digits = CountDigits(number);
+        return Digits(number, digits).Blanks(width - std::min(width, digits));
     }
 
     LineHead& TextLeft(WideView text, size_t width) noexcept {
         *this << text;
-        return Fill(width - std::min(width, text.size()), TV_W(' '));
+        return Blanks(width - std::min(width, text.size()));
     }
 
     WideView View() const noexcept { return {Units.data(), End}; }
 
 private:
-    static size_t CountDigits(uint64_t number) noexcept {
+    static size_t CountDigits(uint32_t number) noexcept {
         size_t count = 1;
         for (; number >= 10; number /= 10)
             ++count;
@@ -143,20 +147,21 @@ void DefaultLogLineFormatter::Format(WideText& line, uint32_t severity, SourcePl
     const LocalTime time = ToLocalTime(fileTime ? *fileTime : PreciseFileTime());
     const std::string_view file = ShownFileName(place.File);
     const auto depth = static_cast<size_t>(std::clamp(indentation, 0, MaximumIndentation));
+    const auto unitsOfMillisecond = static_cast<uint32_t>(time.FileTime % 10'000);
     LineHead head;
-    head.Number(time.Year, 4) << TV_W("-");
-    head.Number(time.Month, 2) << TV_W("-");
-    head.Number(time.Day, 2) << TV_W(" ");
-    head.Number(time.Hour, 2) << TV_W(":");
-    head.Number(time.Minute, 2) << TV_W(":");
-    head.Number(time.Second, 2) << TV_W(".");
-    head.Number(time.Milliseconds, 3).Number(time.FileTime % 10000, 4) << TV_W(" | ");
+    head.Digits(time.Year, time.Year < 10'000 ? 4 : 5) << TV_W("-");
+    head.Digits(time.Month, 2) << TV_W("-");
+    head.Digits(time.Day, 2) << TV_W(" ");
+    head.Digits(time.Hour, 2) << TV_W(":");
+    head.Digits(time.Minute, 2) << TV_W(":");
+    head.Digits(time.Second, 2) << TV_W(".");
+    head.Digits(time.Milliseconds, 3).Digits(unitsOfMillisecond, 4) << TV_W(" | ");
     head.TextLeft(SeverityName(severity), 4) << TV_W(" |");
-    head.Number(CurrentProcessId() & 0xFFFF, 5, TV_W(' ')) << TV_W(" ");
-    head.Number(CurrentThreadId() & 0xFFFF, 5, TV_W(' ')) << TV_W(" | ");
+    head.NumberRight(CurrentProcessId() & 0xFFFF, 5) << TV_W(" ");
+    head.NumberRight(CurrentThreadId() & 0xFFFF, 5) << TV_W(" | ");
     head << file << TV_W(":");
     head.NumberLeft(place.Line, FileNameWidth - file.size() + LineNumberWidth) << TV_W("| ");
-    head.Fill(2 * depth, TV_W(' '));
+    head.Blanks(2 * depth);
     line.clear();
     line.reserve(head.View().size() + message.size() + LineEnd.size());
     line.append(head.View()).append(message).append(LineEnd);

@@ -78,6 +78,11 @@ TEST(LogLine, FillsTheDecimalsUpWithZeros) {
     EXPECT_EQ("00.0070009 ", ParseLine(FormatLine({}, &time)).Time.substr(17));
 }
 
+TEST(LogLine, ShowsYearsBehindTheFourthDigitWhole) {
+    const uint64_t time = 3'924'348 * uint64_t{864'000'000'000}; // days; within the year 12345
+    EXPECT_EQ("12345-0", ParseLine(FormatLine({}, &time)).Time.substr(0, 7));
+}
+
 TEST(LogLine, ReadsTheClockWhenNoTimeIsGiven) {
     const uint64_t before = PreciseFileTime();
     const std::string line = FormatLine({}, nullptr);
