@@ -59,11 +59,10 @@ void FileLogger::Write(const WCHAR* text, ptrdiff_t length) noexcept {
 }
 
 AppendFile FileLogger::AcquireHandle() {
-    const uint32_t interval =
-        ReadNumberSetting(TV_W("KeepOpenInterval"), LoggerDefaults::KeepOpenInterval);
     const std::lock_guard guard(Lock);
     if (Ended)
         return {};
+    const uint32_t interval = ReadInterval();
     if (interval == 0) {
         Cached.Close();
         return OpenLogFile();
@@ -79,6 +78,16 @@ AppendFile FileLogger::AcquireHandle() {
         if (const uint32_t code = Cached.Duplicate(own); code != 0)
             Report(TV_W("cannot duplicate handle"), code);
     return own;
+}
+
+// Looking a setting up takes as long as all the rest of a line, so that is done once in a period.
+uint32_t FileLogger::ReadInterval() {
+    const uint32_t period = GetLoggerConfig().Period();
+    if (IntervalPeriod != period) {
+        Interval = ReadNumberSetting(TV_W("KeepOpenInterval"), LoggerDefaults::KeepOpenInterval);
+        IntervalPeriod = period;
+    }
+    return Interval;
 }
 
 AppendFile FileLogger::OpenLogFile() {

@@ -7,6 +7,7 @@
 #include "platform/appendfile.h"
 
 #include <mutex>
+#include <optional>
 
 namespace treevault {
 
@@ -32,6 +33,7 @@ public:
     void End() noexcept;
 
 private:
+    uint32_t ReadInterval();
     AppendFile OpenLogFile();
     bool IsTooBig(const AppendFile& file, const WideText& path, uint32_t threshold);
     uint32_t WriteBanner(const AppendFile& file);
@@ -39,6 +41,8 @@ private:
     std::mutex Lock; // guards what follows
     WideText LogName;
     WideText Banner;
+    std::optional<uint32_t> IntervalPeriod; // of the settings, in which Interval was read
+    uint32_t Interval = 0;
     AppendFile Cached;
     uint32_t LastOpenTick = 0; // of the last opening of Cached; 0 for never
     FileIdentity BannerFile;   // the file that got the banner last

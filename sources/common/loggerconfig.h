@@ -38,6 +38,9 @@ public:
     bool ReadString(const WCHAR* key, WideText& value);
     bool ReadNumber(const WCHAR* key, uint32_t& value);
 
+    // Counts the refreshes: while it stays the same, so do the settings.
+    uint32_t Period() const noexcept { return FlushCount.load(std::memory_order_acquire); }
+
     // Forgets what was read, reads `MaxSeverity` anew and starts a new period.
     void Refresh();
 
@@ -70,7 +73,7 @@ private:
     Cache<WideText> StringCache;
     Cache<uint32_t> NumberCache;
     std::set<WideText, std::less<>> MissCache;
-    uint32_t FlushCount = 0; // tells a reader that its answer belongs to an earlier period
+    std::atomic<uint32_t> FlushCount{0}; // tells that an answer belongs to an earlier period
     bool Ended = false;
 };
 
