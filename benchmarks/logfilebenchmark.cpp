@@ -3,6 +3,7 @@
 // opened for each line, beside spdlog, which flushes after each line.
 #include "common/filelogger.h"
 #include "common/loggerconfig.h"
+#include "common/logmanager.h"
 #include "measure.h"
 #include "platform/process.h"
 
@@ -50,16 +51,36 @@ void UseInterval(const char* milliseconds) {
     GetLoggerConfig().Refresh();
 }
 
+// Takes the place of the log file of the process.
+class OnlySink {
+public:
+    explicit OnlySink(LogSink& sink) : Sink(sink) {
+        GetLoggerConfig().RemoveSink(GetFileLogger());
+        GetLoggerConfig().AddSink(&Sink);
+    }
+    ~OnlySink() {
+        GetLoggerConfig().RemoveSink(&Sink);
+        GetLoggerConfig().AddSink(GetFileLogger());
+    }
+    OnlySink(const OnlySink&) = delete;
+    OnlySink& operator=(const OnlySink&) = delete;
+
+private:
+    LogSink& Sink;
+};
+
 void WriteLines(benchmark::State& state, const char* interval) {
     const LogFile target(interval);
     UseInterval(interval);
     const std::string path = target.Path.string();
     FileLogger logger(WideText(path.begin(), path.end()), WideText());
+    const OnlySink sink(logger);
     uint32_t number = 0;
     for (auto _ : state) {
-        WideStream line;
-        line << TV_W("Node ") << ++number << TV_W(" stored with ") << 4 << TV_W(" attributes");
-        LogLine(SeverityErr, line.Str(), SourcePlace::Here(), &logger);
+        ++number;
+        Log(SeverityErr, [&](WideStream& line) {
+            line << TV_W("Node ") << number << TV_W(" stored with ") << 4 << TV_W(" attributes");
+        });
     }
     if (!target.EndsWith(number))
         state.SkipWithError("the last line is missing");
