@@ -62,26 +62,63 @@ uint64_t PreciseFileTime() noexcept {
                                  now.tv_nsec / 100);
 }
 
+namespace {
+
+// The zone as far as the C library shows it. Another zone of the same names and the same offset
+// passes for the same one until the second is over.
+struct Zone {
+    const char* Names[2];
+    long Offset;
+
+    static Zone Current() noexcept { return {{tzname[0], tzname[1]}, timezone}; }
+    friend bool operator==(const Zone&, const Zone&) = default;
+};
+
+// The last answer of the C library, which all threads must wait for one at a time: the lines of a
+// log mostly lie in the second of the line before.
+struct KnownSecond {
+    bool IsKnown;
+    time_t Moment;
+    Zone In;
+    tm Split;
+};
+constinit thread_local KnownSecond knownSecond __attribute__((tls_model("initial-exec"))) = {};
+
+// Null beyond the end of the calendar.
+const tm* SplitLocally(time_t moment) noexcept {
+    KnownSecond& known = knownSecond;
+    // The zone is taken before the answer: a change in between is noticed the next time.
+    const Zone zone = Zone::Current();
+    if (!known.IsKnown || known.Moment != moment || known.In != zone) {
+        known.IsKnown = localtime_r(&moment, &known.Split) != nullptr;
+        known.Moment = moment;
+        known.In = zone;
+    }
+    return known.IsKnown ? &known.Split : nullptr;
+}
+
+} // namespace
+
 LocalTime ToLocalTime(uint64_t utcFileTime) noexcept {
     // What the platform's calendar can tell ends here.
     if (utcFileTime > INT64_MAX)
         return {};
     const int64_t utc = static_cast<int64_t>(utcFileTime);
     const time_t moment = utc / UnitsPerSecond - EpochDifference;
-    tm split{};
-    if (!localtime_r(&moment, &split))
+    const tm* const split = SplitLocally(moment);
+    if (!split)
         return {};
     const uint64_t local =
-        utcFileTime + static_cast<uint64_t>(int64_t{split.tm_gmtoff} * UnitsPerSecond);
+        utcFileTime + static_cast<uint64_t>(int64_t{split->tm_gmtoff} * UnitsPerSecond);
     if (local > INT64_MAX)
         return {};
     return {local,
-            static_cast<unsigned>(split.tm_year + 1900),
-            static_cast<unsigned>(split.tm_mon + 1),
-            static_cast<unsigned>(split.tm_mday),
-            static_cast<unsigned>(split.tm_hour),
-            static_cast<unsigned>(split.tm_min),
-            static_cast<unsigned>(split.tm_sec),
+            static_cast<unsigned>(split->tm_year + 1900),
+            static_cast<unsigned>(split->tm_mon + 1),
+            static_cast<unsigned>(split->tm_mday),
+            static_cast<unsigned>(split->tm_hour),
+            static_cast<unsigned>(split->tm_min),
+            static_cast<unsigned>(split->tm_sec),
             static_cast<unsigned>(utc % UnitsPerSecond / UnitsPerMillisecond)};
 }
 

@@ -62,6 +62,34 @@ TEST(PosixLocalTime, MayBeOnAnotherDay) {
     EXPECT_EQ(30u, local.Minute);
 }
 
+TEST(PosixLocalTime, FollowsAChangeOfTheZoneWithinASecond) {
+    struct Change {
+        const char* Rule;
+        unsigned Hour, Minute;
+    };
+    for (const Change& change :
+         {Change{"UTC0", 12, 0}, Change{"ABC-5", 17, 0}, Change{"ABC-5:30", 17, 30},
+          Change{"ABD-5:30", 17, 30}, Change{"ABD-5:30ABE,M3.5.0,M10.5.0", 18, 30},
+          Change{"ABD-5:30ABF-6,M3.5.0,M10.5.0", 18, 0}, Change{"UTC0", 12, 0}}) {
+        const Zone zone(change.Rule);
+        for (int round = 0; round < 2; ++round) {
+            const LocalTime local = ToLocalTime(Summer + 1'234'567);
+            EXPECT_EQ(change.Hour, local.Hour) << change.Rule;
+            EXPECT_EQ(change.Minute, local.Minute) << change.Rule;
+            EXPECT_EQ(123u, local.Milliseconds) << change.Rule;
+        }
+    }
+}
+
+TEST(PosixLocalTime, TellsTheSecondsOfOneMinuteApart) {
+    const Zone zone("UTC0");
+    EXPECT_EQ(0u, ToLocalTime(Summer).Second);
+    EXPECT_EQ(0u, ToLocalTime(Summer + 9'999'999).Second);
+    EXPECT_EQ(999u, ToLocalTime(Summer + 9'999'999).Milliseconds);
+    EXPECT_EQ(1u, ToLocalTime(Summer + 10'000'000).Second);
+    EXPECT_EQ(59u, ToLocalTime(Summer - 1).Second);
+}
+
 TEST(PosixLocalTime, ReachesFromTheEpochToItsEnd) {
     const Zone zone("UTC0");
     const LocalTime first = ToLocalTime(0);
