@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Allocation of shared wide text.
+// Making of wide strings.
 #include "common/widestring.h"
 
 #include "common/errorhandling.h"
@@ -9,13 +9,16 @@
 namespace treevault {
 
 WideString::WideString(WideView text) {
-    if (text.empty())
-        return;
     if (text.size() > 0xFFFFFFFFu)
         ThrowHr(E_INVALIDARG);
-    void* memory = ::operator new(sizeof(Block) + (text.size() + 1) * sizeof(WCHAR));
-    Shared = new (memory) Block{1, static_cast<uint32_t>(text.size())};
-    WCHAR* copy = Text(Shared);
+    WCHAR* copy = Units;
+    if (text.size() > InlineCapacity) {
+        void* memory = ::operator new(sizeof(Block) + (text.size() + 1) * sizeof(WCHAR));
+        Block* const block = new (memory) Block{1};
+        std::memcpy(Units, &block, sizeof block);
+        copy = Text(block);
+    }
+    UnitCount = static_cast<uint32_t>(text.size());
     std::char_traits<WCHAR>::copy(copy, text.data(), text.size());
     copy[text.size()] = 0;
 }

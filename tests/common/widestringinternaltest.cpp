@@ -10,8 +10,24 @@
 namespace treevault {
 namespace {
 
-TEST(WideString, IsOnePointer) {
-    EXPECT_EQ(sizeof(void*), sizeof(WideString));
+const WCHAR* const LongText = TV_W("more than thirteen units");
+
+bool LiesInside(const WideString& text) {
+    const auto place = reinterpret_cast<uintptr_t>(text.CStr());
+    const auto begin = reinterpret_cast<uintptr_t>(&text);
+    return place >= begin && place < begin + sizeof text;
+}
+
+TEST(WideString, KeepsShortTextInside) {
+    const WideString thirteen(TV_W("abcdefghijklm"));
+    const WideString fourteen(TV_W("abcdefghijklmn"));
+    EXPECT_TRUE(LiesInside(thirteen));
+    EXPECT_FALSE(LiesInside(fourteen));
+    const WideString copies[] = {thirteen, fourteen};
+    EXPECT_TRUE(LiesInside(copies[0]));
+    EXPECT_EQ(fourteen.CStr(), copies[1].CStr());
+    EXPECT_EQ(WideText(TV_W("abcdefghijklm")), WideText(copies[0].CStr()));
+    EXPECT_EQ(WideText(TV_W("abcdefghijklmn")), WideText(copies[1].CStr()));
 }
 
 TEST(WideString, BeginsEmptyAndTerminated) {
@@ -38,7 +54,7 @@ TEST(WideString, HoldsTextByItsLength) {
 }
 
 TEST(WideString, SharesTheTextOfACopy) {
-    const WideString text(TV_W("abc"));
+    const WideString text(LongText);
     const WideString copy(text);
     EXPECT_EQ(text.CStr(), copy.CStr());
     WideString assigned;
@@ -49,32 +65,32 @@ TEST(WideString, SharesTheTextOfACopy) {
 TEST(WideString, KeepsTheTextAsLongAsACopyLives) {
     WideString copy;
     {
-        const WideString text(TV_W("abc"));
+        const WideString text(LongText);
         copy = text;
     }
-    EXPECT_EQ(WideText(TV_W("abc")), WideText(copy.View()));
+    EXPECT_EQ(WideText(LongText), WideText(copy.View()));
 }
 
 TEST(WideString, LeavesSharersAloneWhenOneIsAssigned) {
-    const WideString text(TV_W("abc"));
+    const WideString text(LongText);
     WideString copy(text);
     copy = WideString(TV_W("xyz"));
-    EXPECT_EQ(WideText(TV_W("abc")), WideText(text.View()));
+    EXPECT_EQ(WideText(LongText), WideText(text.View()));
     EXPECT_EQ(WideText(TV_W("xyz")), WideText(copy.View()));
     copy = WideString();
     EXPECT_EQ(0u, copy.Length());
-    EXPECT_EQ(3u, text.Length());
+    EXPECT_EQ(24u, text.Length());
 }
 
 TEST(WideString, SurvivesAnAssignmentToItself) {
-    WideString text(TV_W("abc"));
+    WideString text(LongText);
     const WideString& same = text;
     text = same;
-    EXPECT_EQ(WideText(TV_W("abc")), WideText(text.View()));
+    EXPECT_EQ(WideText(LongText), WideText(text.View()));
 }
 
 TEST(WideString, MovesItsText) {
-    WideString text(TV_W("abc"));
+    WideString text(LongText);
     const WCHAR* const place = text.CStr();
     const WideString moved(std::move(text));
     EXPECT_EQ(place, moved.CStr());
@@ -88,7 +104,7 @@ TEST(WideString, ComparesByCodeUnits) {
 }
 
 TEST(WideString, IsCopiedByManyThreads) {
-    const WideString text(TV_W("abc"));
+    const WideString text(LongText);
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([&text] {
@@ -96,12 +112,12 @@ TEST(WideString, IsCopiedByManyThreads) {
                 WideString copy(text);
                 const WideString second(copy);
                 copy = WideString();
-                ASSERT_EQ(3u, second.Length());
+                ASSERT_EQ(24u, second.Length());
             }
         });
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_EQ(WideText(TV_W("abc")), WideText(text.View()));
+    EXPECT_EQ(WideText(LongText), WideText(text.View()));
 }
 
 } // namespace

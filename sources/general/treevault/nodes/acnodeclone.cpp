@@ -36,13 +36,13 @@ void CACNodeImpl::PvtCloneChildren(CACNodeImpl* clone, uint64_t depth, uint32_t 
     HeldLocks locks;
     std::vector<CloneFrame> frames;
     const auto descend = [&](const CACNodeImpl* source, CACNodeImpl* target, uint64_t levels) {
-        target->Children.reserve(source->Children.size());
+        target->Children.Reserve(source->Children.Size());
         frames.push_back({source, target, 0, levels});
     };
     descend(this, clone, depth);
     while (!frames.empty()) {
         CloneFrame& frame = frames.back();
-        if (frame.NextChild == frame.Source->Children.size()) {
+        if (frame.NextChild == frame.Source->Children.Size()) {
             frames.pop_back();
             if (!frames.empty())
                 locks.LeaveLast();
@@ -51,10 +51,10 @@ void CACNodeImpl::PvtCloneChildren(CACNodeImpl* clone, uint64_t depth, uint32_t 
         const CACNodeImpl* const child = frame.Source->Children[frame.NextChild++];
         locks.Enter(child->Lock);
         const Ref<CACNodeImpl> copy = child->PvtCloneAlone(flags);
-        frame.Target->PvtInsertChild(copy.Get(), copy->ShortName());
+        frame.Target->PvtInsertChild(copy.Get());
         copy->Parent.store(frame.Target, std::memory_order_relaxed);
         const uint64_t levels = NextDepth(frame.Depth);
-        if (levels != 0 && !child->Children.empty())
+        if (levels != 0 && child->Children.Size() != 0)
             descend(child, copy.Get(), levels);
         else
             locks.LeaveLast();
@@ -67,7 +67,7 @@ HRESULT CACNodeImpl::Clone(uint64_t depth, uint32_t flags, IACNode** clone) {
         CheckOutPointer(clone);
         const LockGuard guard(Lock);
         Ref<CACNodeImpl> copy = PvtCloneAlone(flags);
-        if (depth != 0 && !Children.empty())
+        if (depth != 0 && Children.Size() != 0)
             PvtCloneChildren(copy.Get(), depth, flags);
         *clone = copy.Detach();
     });

@@ -20,9 +20,8 @@ const ClassRegistration nodeClass(CLSID_ACNode, [](const GUID* iid, void** out) 
 PathRef InitialPath(const WCHAR* name) {
     if (name && *name == PathSeparator)
         return ParsePath(name);
-    return MakePathLink(
-        WideString(name ? WideView(name) : WideView(GuidToString(NewGuid(), GuidFormPlain))),
-        PathRef());
+    return name ? MakePathLink(name, PathRef())
+                : PathRef::Make(GuidToString(NewGuid(), GuidFormPlain), PathRef());
 }
 
 } // namespace
@@ -43,7 +42,7 @@ CACNodeImpl::CACNodeImpl(const CACNodeImpl& source)
     : Attributes(source.Attributes), TypeName(source.TypeName), Path(source.Path) {
     const FunctionTrace trace(TV_W("CACNodeImpl::CACNodeImpl"));
     LogTraced(SeverityDbg3, [&](WideStream& line) {
-        line << TV_W("Cloning: Name=") << ShortName().View() << TV_W(" Type=") << TypeName.View();
+        line << TV_W("Cloning: Name=") << ShortName() << TV_W(" Type=") << TypeName.View();
     });
 }
 

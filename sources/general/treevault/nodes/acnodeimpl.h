@@ -7,14 +7,13 @@
 #define TREEVAULT_NODES_ACNODEIMPL_H
 
 #include "common/components/componentobject.h"
+#include "common/widestring.h"
 #include "general/treevault/nodes/attributetable.h"
-#include "general/treevault/nodes/childindex.h"
+#include "general/treevault/nodes/childlist.h"
 #include "general/treevault/nodes/nodepath.h"
 #include "platform/recursivelock.h"
 
 #include <treevault/nodes.h>
-
-#include <vector>
 
 namespace treevault {
 
@@ -72,12 +71,13 @@ public:
     PathRef GetPathLink() const noexcept;
     AttributeTable GetAttributeTable() const noexcept;
 
-    // What a holder of Lock may read. References to children are those of this node.
-    const WideString& ShortName() const noexcept { return Path->Name; }
+    // What a holder of Lock may read, or a holder of the parent's lock. References to children are
+    // those of this node.
+    WideView ShortName() const noexcept { return Path->Name(); }
     const PathRef& PathUnderLock() const noexcept { return Path; }
     const WideString& TypeUnderLock() const noexcept { return TypeName; }
     const AttributeTable& AttributesUnderLock() const noexcept { return Attributes; }
-    const std::vector<CACNodeImpl*>& ChildrenUnderLock() const noexcept { return Children; }
+    std::span<CACNodeImpl* const> ChildrenUnderLock() const noexcept { return Children.InOrder(); }
 
     mutable RecursiveLock Lock; // guards every field of this node, but see Parent
 
@@ -87,17 +87,18 @@ protected:
 private:
     Ref<CACNodeImpl> GetStrongParent() const noexcept;
     void ClearParent() noexcept;
-    void SetPathLink(const PathRef& parentLink, const WideString& name);
-    bool PvtRenameChild(CACNodeImpl* child, const WideString& newName);
+    void SetPathLink(const PathRef& parentLink, WideView name);
+    bool PvtRenameChild(CACNodeImpl* child, WideView newName);
     bool PvtTrySetName(NodeNameKind kind, WideView name);
     PathRef PvtNewPath(NodeNameKind kind, WideView name, bool hasParent) const;
 
-    void PvtInsertChild(CACNodeImpl* child, const WideString& name);
+    void PvtInsertChild(CACNodeImpl* child) noexcept;
     void PvtAdoptClaimed(CACNodeImpl* child);
     // The index of a child.
     size_t PvtPlaceOf(const CACNodeImpl* child) const noexcept;
     void PvtEraseChild(size_t index) noexcept;
     void PvtDropChildren(CACNodeImpl*& dying) noexcept;
+    void PvtDropTraced(CACNodeImpl*& dying) noexcept;
     Ref<CACNodeImpl> PvtCloneAlone(uint32_t flags) const;
     void PvtCloneChildren(CACNodeImpl* clone, uint64_t depth, uint32_t flags) const;
 
@@ -113,9 +114,11 @@ private:
     // node is torn down it links those that die with it.
     std::atomic<CACNodeImpl*> Parent{nullptr};
 
-    std::vector<CACNodeImpl*> Children; // in the order of adding; one counted reference each
-    ChildIndex ChildrenByName;          // by short name; one more counted reference each
-    PathRef Path;                       // never none; below the parent's as long as there is one
+    ChildList Children;
+
+    // Never none; below the parent's as long as there is one. It is read under this node's lock or
+    // the parent's, and written under both.
+    PathRef Path;
 };
 
 } // namespace treevault

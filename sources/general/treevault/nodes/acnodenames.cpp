@@ -9,12 +9,12 @@ namespace treevault {
 
 // Makes every new link before it changes the first node, so that a failure changes nothing. The
 // locks of the whole subtree are held meanwhile, which keeps anybody from adding to it.
-void CACNodeImpl::SetPathLink(const PathRef& parentLink, const WideString& name) {
+void CACNodeImpl::SetPathLink(const PathRef& parentLink, WideView name) {
     const LockGuard guard(Lock);
-    if (Children.empty() && name == Path->Name && Path.MoveBelow(parentLink))
+    if (Children.Size() == 0 && EqualText(name, ShortName()) && Path.MoveBelow(parentLink))
         return;
     PathRef path = MakePathLink(name, parentLink);
-    if (Children.empty()) {
+    if (Children.Size() == 0) {
         Path = std::move(path);
         return;
     }
@@ -25,7 +25,7 @@ void CACNodeImpl::SetPathLink(const PathRef& parentLink, const WideString& name)
     HeldLocks locks;
     std::vector<Step> steps{{this, std::move(path)}};
     for (size_t at = 0; at < steps.size(); ++at) {
-        for (CACNodeImpl* child : steps[at].Node->Children) {
+        for (CACNodeImpl* const child : steps[at].Node->Children.InOrder()) {
             locks.Enter(child->Lock);
             steps.push_back({child, PathRef::Make(child->ShortName(), steps[at].NewPath)});
         }
@@ -38,8 +38,7 @@ void CACNodeImpl::SetPathLink(const PathRef& parentLink, const WideString& name)
 PathRef CACNodeImpl::PvtNewPath(NodeNameKind kind, WideView name, bool hasParent) const {
     switch (kind) {
     case NameShort:
-        return name == ShortName().View() ? PathRef()
-                                          : MakePathLink(WideString(name), Path->ParentLink);
+        return name == ShortName() ? PathRef() : MakePathLink(name, Path->ParentLink);
     case NameParentPath:
         if (name == ParentPathText(Path))
             return PathRef();
@@ -55,7 +54,7 @@ PathRef CACNodeImpl::PvtNewPath(NodeNameKind kind, WideView name, bool hasParent
                 ThrowHr(TREEVAULT_E_PARENT_PATH_FIXED);
             return path;
         }
-        return path->Name == ShortName() ? PathRef() : path;
+        return path->Name() == ShortName() ? PathRef() : path;
     }
     default:
         ThrowHr(E_INVALIDARG);
@@ -81,11 +80,11 @@ bool CACNodeImpl::PvtTrySetName(NodeNameKind kind, WideView name) {
     if (!path)
         return true;
     if (!parent) {
-        SetPathLink(path->ParentLink, path->Name);
+        SetPathLink(path->ParentLink, path->Name());
         return true;
     }
     guard.Leave();
-    if (parent->PvtRenameChild(this, path->Name))
+    if (parent->PvtRenameChild(this, path->Name()))
         return true;
     LogTraced(SeverityDbg, [](WideStream& line) {
         line << TV_W("DBG: Retrying to change the name (parent changed)");
@@ -93,28 +92,25 @@ bool CACNodeImpl::PvtTrySetName(NodeNameKind kind, WideView name) {
     return false;
 }
 
-bool CACNodeImpl::PvtRenameChild(CACNodeImpl* child, const WideString& newName) {
+bool CACNodeImpl::PvtRenameChild(CACNodeImpl* child, WideView newName) {
     const FunctionTrace trace(TV_W("CACNodeImpl::PvtRenameChild"), SeverityDbg);
     const LockGuard guard(Lock);
     if (child->Parent.load() != this)
         return false;
     const LockGuard childGuard(child->Lock);
-    const WideString oldName = child->ShortName();
+    const PathRef oldPath = child->Path;
+    const WideView oldName = oldPath->Name();
     LogTraced(SeverityDbg, [&](WideStream& line) {
-        line << TV_W("DBG: ParentPath='") << FullPathText(Path) << TV_W("' OldName='")
-             << oldName.View() << TV_W("'") << TV_W("' NewName='") << newName.View() << TV_W("'");
+        line << TV_W("DBG: ParentPath='") << FullPathText(Path) << TV_W("' OldName='") << oldName
+             << TV_W("'") << TV_W("' NewName='") << newName << TV_W("'");
     });
     if (newName == oldName) // another thread was faster with the same name
         return true;
-    if (!ChildrenByName.Insert(newName, child))
+    if (Children.Find(newName))
         ThrowHr(TREEVAULT_E_CHILD_EXISTS);
-    try {
-        child->SetPathLink(Path, newName);
-    } catch (...) {
-        ChildrenByName.Erase(newName);
-        throw;
-    }
-    ChildrenByName.Erase(oldName);
+    Children.Reserve(1);
+    child->SetPathLink(Path, newName);
+    Children.Rename(oldName, newName, child);
     return true;
 }
 

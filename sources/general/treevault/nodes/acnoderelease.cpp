@@ -6,11 +6,10 @@
 namespace treevault {
 
 // Lets the children go. Those that nobody else holds are put in front of the chain `dying`, which
-// runs through their Parent fields: their counts are 0, so nobody else looks at them.
+// runs through their Parent fields. The count of this node is 0 and so are theirs: nobody else
+// looks at them, and no lock is needed.
 void CACNodeImpl::PvtDropChildren(CACNodeImpl*& dying) noexcept {
-    const LockGuard guard(Lock);
-    ChildrenByName.Clear();
-    for (CACNodeImpl* child : Children) {
+    for (CACNodeImpl* const child : Children.InOrder()) {
         if (!child->GiveUpLast(2)) {
             // Whoever holds it may look for its parent until it is told that there is none.
             child->ClearParent();
@@ -20,23 +19,31 @@ void CACNodeImpl::PvtDropChildren(CACNodeImpl*& dying) noexcept {
         child->Parent.store(dying, std::memory_order_relaxed);
         dying = child;
     }
-    Children.clear();
+    Children.Clear();
+}
+
+void CACNodeImpl::PvtDropTraced(CACNodeImpl*& dying) noexcept {
+    const FunctionTrace trace(TV_W("CACNodeImpl::FinalRelease"));
+    PvtDropChildren(dying);
 }
 
 // Takes a tree of any depth apart in a loop, without memory of its own.
 void CACNodeImpl::FinalRelease() noexcept {
     CACNodeImpl* dying = nullptr;
-    {
-        const FunctionTrace trace(TV_W("CACNodeImpl::FinalRelease"));
-        PvtDropChildren(dying);
-    }
+    PvtDropTraced(dying);
     while (dying) {
         CACNodeImpl* const node = dying;
         dying = node->Parent.load(std::memory_order_relaxed);
-        {
-            const FunctionTrace trace(TV_W("CACNodeImpl::FinalRelease"));
-            node->PvtDropChildren(dying);
+        // What the next node frees has mostly not been looked at for long: it comes meanwhile.
+        if (dying) {
+            __builtin_prefetch(dying->Path.Get(), 1);
+            dying->Attributes.Prefetch();
         }
+        // The severity is as fresh as it was for the root.
+        if (WasSeverityEnabled(SeverityDbg3)) [[unlikely]]
+            node->PvtDropTraced(dying);
+        else
+            node->PvtDropChildren(dying);
         node->DeletingDestructor(1);
     }
 }

@@ -5,9 +5,6 @@
 #include "general/treevault/nodes/acnodeimpl.h"
 #include "general/treevault/nodes/nodeerrors.h"
 
-#include <algorithm>
-#include <memory>
-
 namespace treevault {
 
 namespace {
@@ -34,22 +31,16 @@ void LogNotFound(const WriteName& writeName) {
 
 } // namespace
 
-// Takes two references to the child, one for each list. Raises 0x80040206 if the name is taken;
-// whatever it raises, nothing has changed.
-void CACNodeImpl::PvtInsertChild(CACNodeImpl* child, const WideString& name) {
-    if (Children.size() == Children.capacity())
-        Children.reserve(std::max<size_t>(2 * Children.size(), 4));
-    if (!ChildrenByName.Insert(name, child))
-        ThrowHr(TREEVAULT_E_CHILD_EXISTS);
-    Children.push_back(child);
+// There must be room for the child. Takes two references to it, one for each list.
+void CACNodeImpl::PvtInsertChild(CACNodeImpl* child) noexcept {
+    Children.Append(child->ShortName(), child);
     child->CountUp(2);
 }
 
 // Takes a child out of both lists. The caller has a reference of its own.
 void CACNodeImpl::PvtEraseChild(size_t index) noexcept {
     CACNodeImpl* const child = Children[index];
-    ChildrenByName.Erase(child->GetPathLink()->Name);
-    Children.erase(Children.begin() + static_cast<ptrdiff_t>(index));
+    Children.Erase(index, child->ShortName());
     child->ClearParent();
     child->CountDown(2);
 }
@@ -71,31 +62,25 @@ HRESULT CACNodeImpl::AddChild(IACNode* child) {
 // The second half of AddChild, for a child whose Parent is this node already; gives the claim up
 // when it fails.
 void CACNodeImpl::PvtAdoptClaimed(CACNodeImpl* child) {
-    // From here on the child's name cannot change under us: a rename sees the parent and waits.
-    const WideString name = child->GetPathLink()->Name;
-    if (ChildrenByName.Find(name)) {
-        child->ClearParent();
-        PvtMiss(TREEVAULT_E_CHILD_EXISTS, TV_W("Child"), name.CStr());
-        ThrowHr(TREEVAULT_E_CHILD_EXISTS);
-    }
+    const LockGuard guard(child->Lock);
     try {
-        PvtInsertChild(child, name);
+        if (Children.Find(child->ShortName())) {
+            PvtMiss(TREEVAULT_E_CHILD_EXISTS, TV_W("Child"), child->Path->NameText());
+            ThrowHr(TREEVAULT_E_CHILD_EXISTS);
+        }
+        Children.Reserve(1);
+        child->SetPathLink(Path, child->ShortName());
     } catch (...) {
         child->ClearParent();
         throw;
     }
-    try {
-        child->SetPathLink(Path, name);
-    } catch (...) {
-        PvtEraseChild(Children.size() - 1);
-        throw;
-    }
+    PvtInsertChild(child);
 }
 
 // From both ends at once, where children are mostly added and taken from.
 size_t CACNodeImpl::PvtPlaceOf(const CACNodeImpl* child) const noexcept {
     size_t front = 0;
-    size_t back = Children.size();
+    size_t back = Children.Size();
     while (Children[front] != child && Children[--back] != child)
         ++front;
     return Children[front] == child ? front : back;
@@ -112,11 +97,11 @@ HRESULT CACNodeImpl::RemoveChild(IACNode* child) {
         if (impl->Parent.load() != this) {
             // Whose child it is nobody knows here: its lock must not be asked for under this one.
             guard.Leave();
-            const WideString name = impl->GetPathLink()->Name;
+            const PathRef path = impl->GetPathLink();
             LogNotFound([&](WideStream& line) {
-                line << TV_W("RemoveChild('") << name.View() << TV_W("')");
+                line << TV_W("RemoveChild('") << path->Name() << TV_W("')");
             });
-            return PvtMiss(TREEVAULT_E_NOT_FOUND, TV_W("Child"), name.CStr());
+            return PvtMiss(TREEVAULT_E_NOT_FOUND, TV_W("Child"), path->NameText());
         }
         PvtEraseChild(PvtPlaceOf(impl.Get()));
         return S_OK;
@@ -140,7 +125,7 @@ HRESULT CACNodeImpl::RemoveChildByIndex(uint64_t index) {
         LogIndex(index);
         Ref<CACNodeImpl> child; // given back when the lock is free
         const LockGuard guard(Lock);
-        if (index >= Children.size()) {
+        if (index >= Children.Size()) {
             LogNotFound(writeName);
             return PvtIndexMiss(index);
         }
@@ -155,7 +140,7 @@ HRESULT CACNodeImpl::GetChildCount(size_t* count) {
     return Boundary([&] {
         CheckOutPointer(count);
         const LockGuard guard(Lock);
-        *count = Children.size();
+        *count = Children.Size();
     });
 }
 
@@ -168,7 +153,7 @@ HRESULT CACNodeImpl::GetChildByIndex(uint64_t index, IACNode** child) {
         LogIndex(index);
         CheckOutPointer(child);
         const LockGuard guard(Lock);
-        if (index >= Children.size()) {
+        if (index >= Children.Size()) {
             LogNotFound(writeName);
             return PvtIndexMiss(index);
         }
@@ -187,7 +172,7 @@ HRESULT CACNodeImpl::GetChildByName(const WCHAR* name, IACNode** child) {
         LogTraced(SeverityDbg3, [&](WideStream& line) { line << TV_W("Name") << name; });
         CheckOutPointer(name && child ? child : nullptr);
         const LockGuard guard(Lock);
-        CACNodeImpl* const found = ChildrenByName.Find(name);
+        CACNodeImpl* const found = Children.Find(name);
         if (!found) {
             LogNotFound(writeName);
             return PvtMiss(TREEVAULT_E_NOT_FOUND, TV_W("Child"), name);
@@ -200,7 +185,7 @@ HRESULT CACNodeImpl::GetChildByName(const WCHAR* name, IACNode** child) {
 
 Ref<CACNodeImpl> CACNodeImpl::FindChild(WideView name) const noexcept {
     const LockGuard guard(Lock);
-    return Ref<CACNodeImpl>::Share(ChildrenByName.Find(name));
+    return Ref<CACNodeImpl>::Share(Children.Find(name));
 }
 
 // A parent whose count is 0 is about to clear this node's Parent and counts as none.

@@ -75,6 +75,14 @@ std::span<AttributeEntry> AttributeTable::Entries() const noexcept {
     return {Shared->Entries(), Shared->Count};
 }
 
+void AttributeTable::Prefetch() const noexcept {
+    if (!Shared)
+        return;
+    constexpr size_t cacheLine = 64;
+    __builtin_prefetch(Shared, 1);
+    __builtin_prefetch(reinterpret_cast<const char*>(Shared) + cacheLine, 1);
+}
+
 const WCHAR* AttributeTable::Name(const AttributeEntry& entry) const noexcept {
     return Shared->Names() + entry.NameOffset;
 }

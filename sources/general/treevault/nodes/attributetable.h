@@ -62,6 +62,9 @@ public:
     // Null when there is no such attribute.
     AttributeEntry* Find(const WCHAR* name) const noexcept;
 
+    // Asks the processor for the first entries.
+    void Prefetch() const noexcept;
+
     // For the only owner: sets the value, in a new entry if need be. The value is taken over once
     // nothing can fail any more.
     void Set(const WCHAR* name, ValueType type, ValueStorage&& value, uint16_t flags);

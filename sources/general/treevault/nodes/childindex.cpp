@@ -1,81 +1,76 @@
 // SPDX-License-Identifier: MIT
-// Search, insertion and removal in the pages of a child index.
+// Search, insertion and removal in a child index: linear probing without marks for what was
+// removed.
 #include "general/treevault/nodes/childindex.h"
 
+#include "common/textcompare.h"
+#include "common/texthash.h"
+#include "general/treevault/nodes/acnodeimpl.h"
+
 #include <algorithm>
-#include <iterator>
+#include <utility>
 
 namespace treevault {
 
-size_t ChildIndex::PageOf(WideView name) const noexcept {
-    const auto behind = std::upper_bound(Pages->begin() + 1, Pages->end(), name,
-                                         [](WideView wanted, const Page& page) {
-                                             return CompareText(wanted, page.front().Name) < 0;
-                                         });
-    return static_cast<size_t>(behind - Pages->begin()) - 1;
+namespace {
+
+constexpr size_t FirstCapacity = 4;
+
+// At most three of four slots are taken.
+bool Suffices(size_t capacity, size_t count) noexcept {
+    return count <= capacity - capacity / 4;
 }
 
-size_t ChildIndex::Position(const Page& page, WideView name) noexcept {
-    const auto found =
-        std::lower_bound(page.begin(), page.end(), name, [](const Entry& entry, WideView wanted) {
-            return CompareText(entry.Name, wanted) < 0;
-        });
-    return static_cast<size_t>(found - page.begin());
-}
+} // namespace
 
 CACNodeImpl* ChildIndex::Find(WideView name) const noexcept {
-    if (!Pages)
+    if (Count == 0)
         return nullptr;
-    const Page& page = (*Pages)[PageOf(name)];
-    const size_t at = Position(page, name);
-    return at < page.size() && EqualText(page[at].Name, name) ? page[at].Child : nullptr;
+    const uint32_t hash = HashText(name);
+    for (size_t at = SlotOf(hash); Slots[at].Child; at = Next(at))
+        if (Slots[at].Hash == hash && EqualText(Slots[at].Child->ShortName(), name))
+            return Slots[at].Child;
+    return nullptr;
 }
 
-// The upper half becomes a page of its own.
-void ChildIndex::Split(size_t at) {
-    Page upper;
-    upper.reserve(PageLimit);
-    if (Pages->size() == Pages->capacity())
-        Pages->reserve(2 * Pages->size());
-    Page& page = (*Pages)[at];
-    const auto middle = page.begin() + PageLimit / 2;
-    upper.assign(std::make_move_iterator(middle), std::make_move_iterator(page.end()));
-    page.erase(middle, page.end());
-    Pages->insert(Pages->begin() + static_cast<ptrdiff_t>(at) + 1, std::move(upper));
+void ChildIndex::Place(Slot slot) noexcept {
+    size_t at = SlotOf(slot.Hash);
+    while (Slots[at].Child)
+        at = Next(at);
+    Slots[at] = slot;
 }
 
-bool ChildIndex::Insert(const WideString& name, CACNodeImpl* child) {
-    if (!Pages) {
-        auto pages = std::make_unique<std::vector<Page>>(1);
-        pages->front().reserve(FirstCapacity);
-        pages->front().push_back({name, child});
-        Pages = std::move(pages);
-        return true;
+void ChildIndex::Reserve(size_t more) {
+    if (Suffices(Capacity, Count + more))
+        return;
+    size_t capacity = std::max(Capacity, FirstCapacity);
+    while (!Suffices(capacity, Count + more))
+        capacity *= 2;
+    const std::unique_ptr<Slot[]> former = std::exchange(Slots, std::make_unique<Slot[]>(capacity));
+    const size_t formerCapacity = std::exchange(Capacity, capacity);
+    for (size_t at = 0; at < formerCapacity; ++at)
+        if (former[at].Child)
+            Place(former[at]);
+}
+
+void ChildIndex::Insert(WideView name, CACNodeImpl* child) noexcept {
+    Place({child, HashText(name)});
+    ++Count;
+}
+
+// What stands behind the gap moves into it, unless it would come to stand before its own slot.
+void ChildIndex::Erase(WideView name, const CACNodeImpl* child) noexcept {
+    const uint32_t hash = HashText(name);
+    size_t gap = SlotOf(hash);
+    while (Slots[gap].Child != child || Slots[gap].Hash != hash)
+        gap = Next(gap);
+    for (size_t at = Next(gap); Slots[at].Child; at = Next(at)) {
+        const size_t distance = (at - SlotOf(Slots[at].Hash)) & (Capacity - 1);
+        if (distance >= ((at - gap) & (Capacity - 1)))
+            Slots[std::exchange(gap, at)] = Slots[at];
     }
-    size_t at = PageOf(name);
-    size_t position = Position((*Pages)[at], name);
-    if (position < (*Pages)[at].size() && (*Pages)[at][position].Name == name)
-        return false;
-    if ((*Pages)[at].size() == PageLimit) {
-        Split(at);
-        if (position > PageLimit / 2) {
-            position -= PageLimit / 2;
-            ++at;
-        }
-    }
-    Page& page = (*Pages)[at];
-    page.insert(page.begin() + static_cast<ptrdiff_t>(position), Entry{name, child});
-    return true;
-}
-
-void ChildIndex::Erase(WideView name) noexcept {
-    const size_t at = PageOf(name);
-    Page& page = (*Pages)[at];
-    page.erase(page.begin() + static_cast<ptrdiff_t>(Position(page, name)));
-    if (page.empty())
-        Pages->erase(Pages->begin() + static_cast<ptrdiff_t>(at));
-    if (Pages->empty())
-        Pages.reset();
+    Slots[gap] = {};
+    --Count;
 }
 
 } // namespace treevault

@@ -1,49 +1,48 @@
 // SPDX-License-Identifier: MIT
-// Children by name: what finds one among a million siblings in logarithmic time and costs a leaf a
-// pointer.
+// Children by name: a hash table of the children of one node.
 #ifndef TREEVAULT_NODES_CHILDINDEX_H
 #define TREEVAULT_NODES_CHILDINDEX_H
 
-#include "common/widestring.h"
+#include "platform/widetext.h"
 
+#include <cstdint>
 #include <memory>
-#include <vector>
 
 namespace treevault {
 
 class CACNodeImpl;
 
-// An ordered map in two levels: pages of bounded size, sorted within and among themselves, so that
-// an insertion moves little. Guarded by the lock of the parent. It does not count references.
+// Guarded by the lock of the parent, which keeps the names of the children as they are: they are
+// read where the children keep them. It does not count references.
 class ChildIndex {
 public:
     // Null when there is no child of that name.
     CACNodeImpl* Find(WideView name) const noexcept;
 
-    // False, with nothing changed, when the name is taken; so is nothing when memory runs out.
-    bool Insert(const WideString& name, CACNodeImpl* child);
+    // Makes room for so many more, so that Insert cannot fail.
+    void Reserve(size_t more);
 
-    // The name must be there.
-    void Erase(WideView name) noexcept;
+    // There must be room, and no child of that name.
+    void Insert(WideView name, CACNodeImpl* child) noexcept;
 
-    void Clear() noexcept { Pages.reset(); }
+    // The child must be there under that name, whatever it is called by now.
+    void Erase(WideView name, const CACNodeImpl* child) noexcept;
 
 private:
-    struct Entry {
-        WideString Name;
+    // Free when there is no child. A child stands in its own slot, that of its hash, or behind it
+    // with no free slot between; the last slot is followed by the first.
+    struct Slot {
         CACNodeImpl* Child;
+        uint32_t Hash;
     };
-    using Page = std::vector<Entry>;
 
-    static constexpr size_t FirstCapacity = 4;
-    static constexpr size_t PageLimit = 128;
+    size_t SlotOf(uint32_t hash) const noexcept { return hash & (Capacity - 1); }
+    size_t Next(size_t at) const noexcept { return (at + 1) & (Capacity - 1); }
+    void Place(Slot slot) noexcept;
 
-    // The page that holds the name or is the one to hold it; there must be a page.
-    size_t PageOf(WideView name) const noexcept;
-    static size_t Position(const Page& page, WideView name) noexcept;
-    void Split(size_t page);
-
-    std::unique_ptr<std::vector<Page>> Pages; // null without children; no page is empty
+    std::unique_ptr<Slot[]> Slots;
+    size_t Count = 0;
+    size_t Capacity = 0; // 0 or a power of two
 };
 
 } // namespace treevault

@@ -5,6 +5,7 @@
 #include "common/errorhandling.h"
 
 #include <algorithm>
+#include <new>
 
 namespace treevault {
 
@@ -13,18 +14,26 @@ PathRef::PathRef(const PathRef& other) noexcept : Link(other.Link) {
         Link->Owners.fetch_add(1, std::memory_order_relaxed);
 }
 
-PathRef PathRef::Make(WideString name, PathRef parent) {
+PathRef PathRef::Make(WideView name, PathRef parent) {
+    if (name.size() > 0xFFFFFFFFu)
+        ThrowHr(E_INVALIDARG);
+    void* memory = ::operator new(sizeof(NodePathLink) + (name.size() + 1) * sizeof(WCHAR));
     PathRef path;
-    path.Link = new NodePathLink{std::move(name), std::move(parent)};
+    path.Link =
+        new (memory) NodePathLink{std::move(parent), {1}, static_cast<uint32_t>(name.size())};
+    auto* const text = reinterpret_cast<WCHAR*>(path.Link + 1);
+    name.copy(text, name.size());
+    text[name.size()] = 0;
     return path;
 }
 
-void PathRef::Drop(NodePathLink* link) noexcept {
-    while (link && IsLastOwner(link->Owners)) {
+// Long chains are taken apart in a loop.
+void PathRef::Free(NodePathLink* link) noexcept {
+    do {
         NodePathLink* const parent = std::exchange(link->ParentLink.Link, nullptr);
-        delete link;
+        ::operator delete(link);
         link = parent;
-    }
+    } while (link && IsLastOwner(link->Owners));
 }
 
 bool PathRef::MoveBelow(const PathRef& parent) noexcept {
@@ -34,8 +43,8 @@ bool PathRef::MoveBelow(const PathRef& parent) noexcept {
     return true;
 }
 
-PathRef MakePathLink(const WideString& name, const PathRef& parent) {
-    if (name.View().find(PathSeparator) != WideView::npos)
+PathRef MakePathLink(WideView name, const PathRef& parent) {
+    if (name.find(PathSeparator) != WideView::npos)
         ThrowHr(TREEVAULT_E_INVALID_NAME);
     return PathRef::Make(name, parent);
 }
@@ -48,7 +57,7 @@ PathRef ParsePath(WideView text) {
     for (size_t begin = 0; begin < text.size();) {
         const size_t end = std::min(text.find(PathSeparator, begin), text.size());
         if (end != begin)
-            path = PathRef::Make(WideString(text.substr(begin, end - begin)), path);
+            path = PathRef::Make(text.substr(begin, end - begin), std::move(path));
         begin = end + 1;
     }
     return path;
@@ -60,10 +69,10 @@ namespace {
 WideText JoinLinks(const PathRef& path) {
     size_t length = 0;
     for (const PathRef* link = &path; *link; link = &(*link)->ParentLink)
-        length += 1 + (*link)->Name.Length();
+        length += 1 + (*link)->NameLength;
     WideText text(length, PathSeparator);
     for (const PathRef* link = &path; *link; link = &(*link)->ParentLink) {
-        const WideView name = (*link)->Name;
+        const WideView name = (*link)->Name();
         length -= name.size();
         name.copy(text.data() + length, name.size());
         --length;

@@ -3,7 +3,10 @@
 #ifndef TREEVAULT_NODES_NODEPATH_H
 #define TREEVAULT_NODES_NODEPATH_H
 
-#include "common/widestring.h"
+#include "common/ownercount.h"
+#include "platform/widetext.h"
+
+#include <utility>
 
 namespace treevault {
 
@@ -21,8 +24,9 @@ public:
     }
     ~PathRef() { Drop(Link); }
 
-    // A new link below `parent`, whatever the name holds.
-    static PathRef Make(WideString name, PathRef parent);
+    // A new link below `parent`, whatever the name holds. Raises E_INVALIDARG for a name above
+    // 0xFFFFFFFF code units; std::bad_alloc.
+    static PathRef Make(WideView name, PathRef parent);
 
     // Puts the link below another parent if nobody shares it; false, with nothing changed, if not.
     bool MoveBelow(const PathRef& parent) noexcept;
@@ -32,21 +36,31 @@ public:
     explicit operator bool() const noexcept { return Link != nullptr; }
 
 private:
-    // Long chains are taken apart in a loop.
     static void Drop(NodePathLink* link) noexcept;
+    static void Free(NodePathLink* link) noexcept;
 
     NodePathLink* Link = nullptr;
 };
 
-// One step of a path. Nodes and their descendants share it; it never changes while they do.
+// One step of a path, in one block with its name. Nodes and their descendants share it; it never
+// changes while they do.
 struct NodePathLink {
-    WideString Name;
     PathRef ParentLink; // none at the top
     mutable std::atomic<uint32_t> Owners{1};
+    uint32_t NameLength;
+
+    // Zero-terminated.
+    const WCHAR* NameText() const noexcept { return reinterpret_cast<const WCHAR*>(this + 1); }
+    WideView Name() const noexcept { return {NameText(), NameLength}; }
 };
 
+inline void PathRef::Drop(NodePathLink* link) noexcept {
+    if (link && IsLastOwner(link->Owners))
+        Free(link);
+}
+
 // A new link. Raises 0x80040201 if the name holds a "\"; the empty name is a name.
-PathRef MakePathLink(const WideString& name, const PathRef& parent);
+PathRef MakePathLink(WideView name, const PathRef& parent);
 
 // The chain of a text that begins with "\". Runs of separators count as one. None for "\" alone;
 // raises 0x80040201 for a text that begins otherwise or, being longer, ends with a separator.

@@ -63,7 +63,7 @@ private:
 void BeginNode(NodeWalkOptions& options, INodeVisitor& visitor, CACNodeImpl& node, bool usePath) {
     if (usePath)
         options.NameBuffer = FullPathText(node.PathUnderLock());
-    visitor.BeginNode(&node, usePath ? WideView(options.NameBuffer) : node.ShortName().View(),
+    visitor.BeginNode(&node, usePath ? WideView(options.NameBuffer) : node.ShortName(),
                       node.TypeUnderLock());
     if (options.IncludeAttributes)
         WalkAttributes(options, visitor, node);
@@ -79,7 +79,7 @@ void WalkNode(NodeWalkOptions& options, INodeVisitor& visitor, IACNode* node, ui
     BeginNode(options, visitor, *root, usePath);
     while (!inside.Empty()) {
         LockedNodes::Entry& top = inside.Top();
-        const std::vector<CACNodeImpl*>& children = top.Node->ChildrenUnderLock();
+        const std::span<CACNodeImpl* const> children = top.Node->ChildrenUnderLock();
         if (top.Depth == 0 || top.NextChild == children.size()) {
             visitor.EndNode(top.Node);
             inside.Pop();
