@@ -43,6 +43,23 @@ HRESULT CACNodeImpl::SetAttribute(const WCHAR* name, ValueType type, const void*
     });
 }
 
+void CACNodeImpl::SetAttributeTable(AttributeTable table) noexcept {
+    const LockGuard guard(Lock);
+    std::swap(Attributes, table);
+}
+
+void CACNodeImpl::RestoreAttributes(AttributeTable table, const WideString& type) {
+    if (table.Entries().empty())
+        table = AttributeTable();
+    else
+        table.EnsureOwn();
+    for (AttributeEntry& entry : table.Entries())
+        entry.StoreFlags(AttributeModified);
+    const LockGuard guard(Lock);
+    std::swap(Attributes, table);
+    TypeName = type;
+}
+
 HRESULT CACNodeImpl::DeleteAttribute(const WCHAR* name) {
     const auto writeName = [&](WideStream& line) {
         line << TV_W("DeleteAttribute('") << name << TV_W("')");

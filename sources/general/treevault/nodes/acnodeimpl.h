@@ -71,6 +71,11 @@ public:
     PathRef GetPathLink() const noexcept;
     AttributeTable GetAttributeTable() const noexcept;
 
+    // For the storage, which takes and gives both as a whole. The strong guarantee holds.
+    void SetAttributeTable(AttributeTable table) noexcept;
+    // As if each attribute were set anew.
+    void RestoreAttributes(AttributeTable table, const WideString& type);
+
     // What a holder of Lock may read, or a holder of the parent's lock. References to children are
     // those of this node.
     WideView ShortName() const noexcept { return Path->Name(); }

@@ -36,16 +36,15 @@ void MoveEntries(AttributeEntry* to, const AttributeEntry* from, size_t count) n
                  count * sizeof(AttributeEntry));
 }
 
-// As unsigned code units, like every comparison of names.
-int CompareNames(const WCHAR* left, const WCHAR* right) noexcept {
+} // namespace
+
+int AttributeTable::CompareNames(const WCHAR* left, const WCHAR* right) noexcept {
     while (*left != 0 && *left == *right) {
         ++left;
         ++right;
     }
     return static_cast<int>(*left) - static_cast<int>(*right);
 }
-
-} // namespace
 
 AttributeTable::AttributeTable(const AttributeTable& other) noexcept : Shared(other.Shared) {
     if (Shared)
@@ -121,19 +120,28 @@ void AttributeTable::EnsureOwn() {
     // With one owner, and that one's lock held, nobody can become a second.
     if (Shared->Owners.load(std::memory_order_acquire) == 1)
         return;
-    AttributeTable copy;
-    copy.Shared = Allocate(std::max<size_t>(Shared->Count, FirstCapacity), Shared->NameCapacity);
-    Block& target = *copy.Shared;
-    std::memcpy(target.Names(), Shared->Names(), Shared->NameUnits * sizeof(WCHAR));
-    target.NameUnits = Shared->NameUnits;
-    for (const AttributeEntry& entry : Entries()) {
-        ValueStorage value;
-        value.Assign(entry.Value.Data(), entry.Value.Size());
-        new (target.Entries() + target.Count)
-            AttributeEntry{entry.NameOffset, entry.Type, entry.LoadFlags(), std::move(value)};
-        ++target.Count;
-    }
+    AttributeTable copy =
+        MakeRoom(std::max<size_t>(Shared->Count, FirstCapacity), Shared->NameCapacity);
+    for (const AttributeEntry& entry : Entries())
+        copy.Append(Name(entry), entry.Type, entry.Value, entry.LoadFlags());
     std::swap(Shared, copy.Shared);
+}
+
+AttributeTable AttributeTable::MakeRoom(size_t entries, size_t nameUnits) {
+    AttributeTable table;
+    table.Shared = Allocate(entries, nameUnits);
+    return table;
+}
+
+void AttributeTable::Append(const WCHAR* name, ValueType type, const ValueStorage& value,
+                            uint16_t flags) {
+    Block& block = *Shared;
+    new (block.Entries() + block.Count)
+        AttributeEntry{block.NameUnits, type, flags, ValueStorage(value)};
+    ++block.Count;
+    const size_t units = WideLength(name) + 1;
+    std::memcpy(block.Names() + block.NameUnits, name, units * sizeof(WCHAR));
+    block.NameUnits += static_cast<uint32_t>(units);
 }
 
 // Makes room for one more entry and for the characters of its name, in a new block if need be; what

@@ -49,6 +49,9 @@ public:
 
     explicit operator bool() const noexcept { return Shared != nullptr; }
 
+    // Room for so many entries and for the characters of their names, each with its terminator.
+    static AttributeTable MakeRoom(size_t entries, size_t nameUnits);
+
     // Makes a table where there is none, and a private copy of a shared one. The strong guarantee
     // holds: what memory does not suffice for changes nothing.
     void EnsureOwn();
@@ -62,6 +65,12 @@ public:
     // Null when there is no such attribute.
     AttributeEntry* Find(const WCHAR* name) const noexcept;
 
+    // Calls `visit` with each pair of entries of one name, in the order of the names; null stands
+    // for the entry that a side lacks.
+    template <class Visit>
+    static void ForEachPair(const AttributeTable& left, const AttributeTable& right,
+                            const Visit& visit);
+
     // Asks the processor for the first entries.
     void Prefetch() const noexcept;
 
@@ -69,11 +78,17 @@ public:
     // nothing can fail any more.
     void Set(const WCHAR* name, ValueType type, ValueStorage&& value, uint16_t flags);
 
+    // For the only owner, behind all that is there: there must be room for the entry.
+    void Append(const WCHAR* name, ValueType type, const ValueStorage& value, uint16_t flags);
+
     // For the only owner.
     void Erase(AttributeEntry* entry) noexcept;
 
 private:
     struct Block;
+
+    // As unsigned code units, like every comparison of names.
+    static int CompareNames(const WCHAR* left, const WCHAR* right) noexcept;
 
     static Block* Allocate(size_t entries, size_t nameUnits);
     static void Drop(Block* block) noexcept;
@@ -82,6 +97,24 @@ private:
 
     Block* Shared = nullptr;
 };
+
+template <class Visit>
+void AttributeTable::ForEachPair(const AttributeTable& left, const AttributeTable& right,
+                                 const Visit& visit) {
+    const std::span<AttributeEntry> lefts = left.Entries();
+    const std::span<AttributeEntry> rights = right.Entries();
+    auto fromLeft = lefts.begin();
+    auto fromRight = rights.begin();
+    while (fromLeft != lefts.end() || fromRight != rights.end()) {
+        const int order = fromLeft == lefts.end() ? 1
+                          : fromRight == rights.end()
+                              ? -1
+                              : CompareNames(left.Name(*fromLeft), right.Name(*fromRight));
+        visit(order <= 0 ? &*fromLeft : nullptr, order >= 0 ? &*fromRight : nullptr);
+        fromLeft += order <= 0;
+        fromRight += order >= 0;
+    }
+}
 
 } // namespace treevault
 

@@ -19,8 +19,7 @@ const ClassRegistration storageClass(CLSID_MemoryStorage, [](const GUID* iid, vo
 
 } // namespace
 
-CMemoryStorage::CMemoryStorage()
-    : ModifySinks(Ref<IModifySink>::Attach(MakeComponent<CInnerModifySinkPool>().Detach())) {}
+CMemoryStorage::CMemoryStorage() : ModifySinks(MakeComponent<CInnerModifySinkPool>()) {}
 
 // The listeners are told when the content is gone.
 CMemoryStorage::~CMemoryStorage() {
@@ -63,7 +62,7 @@ HRESULT CMemoryStorage::Configure(IACNode* configuration) {
 namespace {
 
 // The pool's registry; asked for anew at each call.
-Ref<IModifySinkRegistry> RegistryOf(IModifySink* pool) {
+Ref<IModifySinkRegistry> RegistryOf(CInnerModifySinkPool* pool) {
     if (!pool)
         ThrowHr(E_UNEXPECTED);
     Ref<IModifySinkRegistry> registry;
@@ -147,9 +146,13 @@ void CMemoryStorage::PvtExecuteGroup(CPendingOperations& group) {
     }
 }
 
+bool CMemoryStorage::PvtIsObserved() const noexcept {
+    return ModifySinks && (ModifySinks->HasSinks() || WasSeverityEnabled(SeverityDbg2));
+}
+
 void CMemoryStorage::PvtSignalModified(IACNode* oldNode, IACNode* newNode, ModifyMask mask,
                                        const WCHAR* changedNames) {
-    if (!ModifySinks)
+    if (!PvtIsObserved())
         return;
     const WideText path = ReadName(newNode ? newNode : oldNode, NameFullPath);
     const ModifyNotification notification = {mask, path.c_str(), oldNode, newNode, changedNames};

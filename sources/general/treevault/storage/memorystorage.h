@@ -14,6 +14,8 @@
 
 namespace treevault {
 
+class CACNodeImpl;
+class CInnerModifySinkPool;
 struct INodeFilter;
 
 // Version data as a node. Part of the class, but not to be found by QueryInterface.
@@ -79,7 +81,7 @@ public:
     template <class Visit>
     void PvtForEachRoot(const Visit& visit) const {
         for (const auto& [name, root] : RootNodes)
-            visit(root);
+            visit(root.Node);
     }
 
     // Attach or remove a node, with what undoes it and the notification; `parentFlags` collects
@@ -89,6 +91,9 @@ public:
     void PvtRemoveNode(const NodeRef& parent, const NodeRef& existing, CPendingOperations& group,
                        ModifyMask* parentFlags);
 
+    // Whether somebody is told of changes, a sink or the log.
+    bool PvtIsObserved() const noexcept;
+
     // Tells the sinks of a change; a failing sink is raised.
     void PvtSignalModified(IACNode* oldNode, IACNode* newNode, ModifyMask mask,
                            const WCHAR* changedNames);
@@ -97,6 +102,12 @@ protected:
     ~CMemoryStorage();
 
 private:
+    struct Root {
+        NodeRef Node;
+        CACNodeImpl* Own; // the same node, or null for a foreign one
+    };
+
+    NodeRef PvtDescend(WideView path, size_t& begin);
     Ref<CPendingOperations> PvtJournalOf(IOperationsGroup* group);
     void PvtRunPrivateGroup(CPendingOperations& group);
     void PvtExecuteGroup(CPendingOperations& group);
@@ -111,8 +122,8 @@ private:
     StorageLock Lock; // guards RootNodes and every tree below
     bool BuildParentNodesIfMissing = true;
     bool MaintainAtomicity = true;
-    std::map<WideText, NodeRef, std::less<>> RootNodes;
-    Ref<IModifySink> ModifySinks; // the pool
+    std::map<WideText, Root, std::less<>> RootNodes;
+    Ref<CInnerModifySinkPool> ModifySinks; // none while the storage dies
     GUID StorageBackupId = {};
     std::atomic<uint64_t> StorageUsn{0};
 };

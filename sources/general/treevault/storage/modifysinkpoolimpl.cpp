@@ -50,6 +50,8 @@ HRESULT CInnerModifySinkPool::Lookup(const GUID* iid, void** out) noexcept {
 
 template <class Call>
 HRESULT CInnerModifySinkPool::TellUntilFailure(const WCHAR* name, const Call& call) {
+    if (!HasSinks())
+        return S_OK;
     const auto writeName = [&](WideStream& line) { line << name; };
     return NamedBoundary(SeverityErr, writeName, [&] {
         const FanOut fanOut(*this);
@@ -74,6 +76,8 @@ HRESULT CInnerModifySinkPool::OnPreCommit() {
 }
 
 void CInnerModifySinkPool::OnFinish(int32_t result) {
+    if (!HasSinks())
+        return;
     const FanOut fanOut(*this);
     for (const auto& [id, sink] : Sinks)
         sink->OnFinish(result);
@@ -86,6 +90,7 @@ HRESULT CInnerModifySinkPool::RegisterSink(IModifySink* sink, GUID* id) {
         const ExclusiveGuard guard(Lock);
         const GUID made = NewGuid();
         Sinks.emplace(made, Ref<IModifySink>::Share(sink));
+        SinkCount.store(Sinks.size(), std::memory_order_release);
         *id = made;
         Log(SeverityDbg2, [&](WideStream& line) {
             line << TV_W("New config server modify sink ");
@@ -110,6 +115,7 @@ HRESULT CInnerModifySinkPool::UnregisterSink(const GUID* id) {
             line << TV_W("Removed config server modify sink with id ")
                  << GuidToString(*id, GuidFormBraced);
         });
+        SinkCount.store(Sinks.size() - 1, std::memory_order_release);
         Sinks.erase(found);
     });
 }

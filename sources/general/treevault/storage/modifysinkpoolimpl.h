@@ -25,6 +25,9 @@ public:
     HRESULT TREEVAULT_CALL OnPreCommit() override;
     void TREEVAULT_CALL OnFinish(int32_t result) override;
 
+    // Without the lock: whoever comes or goes at the same time is told or not.
+    bool HasSinks() const noexcept { return SinkCount.load(std::memory_order_acquire) != 0; }
+
     HRESULT TREEVAULT_CALL RegisterSink(IModifySink* sink, GUID* id) override;
     HRESULT TREEVAULT_CALL UnregisterSink(const GUID* id) override;
 
@@ -45,6 +48,7 @@ private:
 
     ReaderWriterLock Lock; // shared while sinks are told, exclusive while they come and go
     std::map<GUID, Ref<IModifySink>, GuidLess> Sinks;
+    std::atomic<size_t> SinkCount{0};
 };
 
 } // namespace treevault

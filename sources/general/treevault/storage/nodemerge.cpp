@@ -16,8 +16,13 @@ void NodeMerge::Apply(const Ref<IACNode>& parent, const Ref<IACNode>& existing,
         Storage.PvtAddNode(parent, given, AlreadyCloned, Group, parentFlags);
         return;
     }
+    Level top = Meet(existing, given);
+    if (top.Children.empty()) {
+        FinishLevel(top);
+        return;
+    }
     std::vector<Level> levels;
-    levels.push_back(Meet(existing, given));
+    levels.push_back(std::move(top));
     while (!levels.empty()) {
         Level& level = levels.back();
         if (level.NextChild == level.Children.size()) {
@@ -126,7 +131,7 @@ void NodeMerge::BeginChange(IACNode* existing, const WCHAR* name) {
     EnsureSnapshot(existing);
     if (ChangedNames.empty()) {
         const auto stored = Ref<IACNode>::Share(existing);
-        Group.AddUndo(Group.PrepareUndo([snapshot = Snapshot, stored] {
+        Group.AddUndo(CPendingOperations::MakeStep([snapshot = Snapshot, stored] {
             if (snapshot.Get() != stored.Get())
                 RestoreAttributes(snapshot.Get(), stored.Get());
             HRES{stored->SetType(ReadType(snapshot.Get()).c_str())};
@@ -172,7 +177,6 @@ void NodeMerge::MergeType(IACNode* existing, WideView oldType, WideView givenTyp
     const bool takesAnyType = Mode == StoreReplaceAttributes || Mode == StoreReplaceAll;
     if (givenType == oldType || (givenType.empty() && !takesAnyType))
         return;
-    EnsureSnapshot(existing);
     HRES{existing->SetType(WideText(givenType).c_str())};
 }
 
@@ -195,36 +199,72 @@ bool EqualValues(const AttributeEntry& left, const AttributeEntry& right) noexce
 
 } // namespace
 
-// Nodes of the library are compared where their values lie. The given table is shared meanwhile, so
-// that nobody changes it.
+// Whether the given entry takes the place of the old one, of which either may be null.
+bool NodeMerge::IsTaken(const AttributeTable& given, const AttributeEntry* oldEntry,
+                        const AttributeEntry* entry) const noexcept {
+    return entry && *given.Name(*entry) != 0 &&
+           (Mode != StoreMergeModified || (entry->LoadFlags() & AttributeModified) != 0) &&
+           !(oldEntry && EqualValues(*oldEntry, *entry));
+}
+
+// Whether the old entry goes without another in its place.
+bool NodeMerge::IsDropped(const AttributeTable& old, const AttributeEntry* oldEntry,
+                          const AttributeEntry* entry) const noexcept {
+    return !entry && ReplacesAttributes() && *old.Name(*oldEntry) != 0;
+}
+
+// Those that are set come before those that go.
+void NodeMerge::ListChanges(const AttributeTable& old, const AttributeTable& given) {
+    const auto list = [&](const WCHAR* name) { ChangedNames.append(name).push_back(0); };
+    AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
+        if (IsTaken(given, oldEntry, entry))
+            list(given.Name(*entry));
+    });
+    if (ReplacesAttributes())
+        AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
+            if (IsDropped(old, oldEntry, entry))
+                list(old.Name(*oldEntry));
+        });
+}
+
+AttributeTable NodeMerge::MergedTable(const AttributeTable& old,
+                                      const AttributeTable& given) const {
+    size_t entries = 0;
+    size_t nameUnits = 0;
+    AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
+        ++entries;
+        nameUnits += WideLength(oldEntry ? old.Name(*oldEntry) : given.Name(*entry)) + 1;
+    });
+    AttributeTable merged = AttributeTable::MakeRoom(entries, nameUnits);
+    AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
+        if (IsTaken(given, oldEntry, entry))
+            merged.Append(given.Name(*entry), entry->Type, entry->Value, AttributeModified);
+        else if (oldEntry && !IsDropped(old, oldEntry, entry))
+            merged.Append(old.Name(*oldEntry), oldEntry->Type, oldEntry->Value,
+                          oldEntry->LoadFlags());
+    });
+    return merged;
+}
+
+// Nodes of the library are compared where their values lie, and get a table that is made in one go.
+// The given table is shared meanwhile, so that nobody changes it. What undoes the change stands
+// before it is made.
 void NodeMerge::MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& given) {
-    const AttributeTable table = given.GetAttributeTable();
+    const AttributeTable givenTable = given.GetAttributeTable();
     const LockGuard guard(existing.Lock);
-    for (const AttributeEntry& entry : table.Entries()) {
-        const WCHAR* const name = table.Name(entry);
-        const bool isLookedAt =
-            Mode != StoreMergeModified || (entry.LoadFlags() & AttributeModified) != 0;
-        if (*name == 0 || !isLookedAt)
-            continue;
-        const AttributeEntry* const old = existing.AttributesUnderLock().Find(name);
-        if (old && EqualValues(*old, entry))
-            continue;
-        BeginChange(&existing, name);
-        HRES{existing.SetAttribute(name, entry.Type, entry.Value.Data(), entry.Value.Size())};
+    AttributeTable old = existing.GetAttributeTable();
+    WideString oldType = existing.GetTypeName();
+    ListChanges(old, givenTable);
+    if (!ChangedNames.empty()) {
+        AttributeTable merged = MergedTable(old, givenTable);
+        if (Storage.PvtIsObserved())
+            EnsureSnapshot(&existing);
+        Group.AddUndo(CPendingOperations::MakeStep(
+            [stored = Ref<CACNodeImpl>::Share(&existing), table = std::move(old),
+             type = oldType]() mutable { stored->RestoreAttributes(std::move(table), type); }));
+        existing.SetAttributeTable(std::move(merged));
     }
-    if (ReplacesAttributes()) {
-        std::vector<WideText> others;
-        for (const AttributeEntry& entry : existing.AttributesUnderLock().Entries()) {
-            const WCHAR* const name = existing.AttributesUnderLock().Name(entry);
-            if (*name != 0 && !table.Find(name))
-                others.emplace_back(name);
-        }
-        for (const WideText& name : others) {
-            BeginChange(&existing, name.c_str());
-            HRES{existing.DeleteAttribute(name.c_str())};
-        }
-    }
-    MergeType(&existing, existing.GetTypeName(), given.GetTypeName());
+    MergeType(&existing, oldType, given.GetTypeName());
 }
 
 // A change of type alone is neither undone nor told.
@@ -238,7 +278,8 @@ void NodeMerge::MergeAttributes(const Ref<IACNode>& existing, const Ref<IACNode>
         MergeOwnAttributes(*ownExisting, *ownGiven);
     else
         MergeForeignAttributes(existing.Get(), given.Get());
-    if (!ChangedNames.empty())
+    // No snapshot is taken where nobody listens.
+    if (!ChangedNames.empty() && Snapshot)
         Storage.PvtSignalModified(Snapshot.Get(), existing.Get(), ModifyNodeChanged,
                                   ChangedNames.c_str());
 }

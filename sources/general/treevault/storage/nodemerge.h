@@ -46,6 +46,12 @@ private:
 
     void MergeAttributes(const Ref<IACNode>& existing, const Ref<IACNode>& given);
     void MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& given);
+    bool IsTaken(const AttributeTable& given, const AttributeEntry* oldEntry,
+                 const AttributeEntry* entry) const noexcept;
+    bool IsDropped(const AttributeTable& old, const AttributeEntry* oldEntry,
+                   const AttributeEntry* entry) const noexcept;
+    void ListChanges(const AttributeTable& old, const AttributeTable& given);
+    AttributeTable MergedTable(const AttributeTable& old, const AttributeTable& given) const;
     void MergeForeignAttributes(IACNode* existing, IACNode* given);
     void MergeAttribute(IACNode* existing, IACNode* given, const WCHAR* name);
     void ReplaceAttributes(IACNode* existing, IACNode* given);

@@ -15,17 +15,20 @@ constexpr WideView TopPath = TV_W("\\");
 // The path is required: a missing one is raised like any other failure.
 WideText ReadNodePath(IACNode* filter) {
     const ValueType wanted = VtStringW;
-    WideText path(0x80, WCHAR());
+    WCHAR first[0x80];
+    WideText more;
+    WCHAR* buffer = first;
+    size_t capacity = sizeof first;
     for (;;) {
-        size_t bytes = path.size() * sizeof(WCHAR);
-        const HRESULT hr =
-            filter->GetAttribute(TV_W("NodePath"), &wanted, path.data(), &bytes, nullptr);
-        if (hr != TREEVAULT_E_INSUFFICIENT_BUFFER || bytes <= path.size() * sizeof(WCHAR)) {
+        size_t bytes = capacity;
+        const HRESULT hr = filter->GetAttribute(TV_W("NodePath"), &wanted, buffer, &bytes, nullptr);
+        if (hr != TREEVAULT_E_INSUFFICIENT_BUFFER || bytes <= capacity) {
             HRES{hr};
-            path.resize(WideLength(path.c_str()));
-            return path;
+            return WideText(buffer);
         }
-        path.resize(bytes / sizeof(WCHAR) + 1);
+        more.resize(bytes / sizeof(WCHAR) + 1);
+        buffer = more.data();
+        capacity = more.size() * sizeof(WCHAR);
     }
 }
 
@@ -56,6 +59,7 @@ HRESULT CMemoryStorage::CNodesByPathFilter::Lookup(const GUID* iid, void** out) 
 
 void CMemoryStorage::CNodesByPathFilter::Prepare(CMemoryStorage& storage) {
     NodeQueue.clear();
+    NextInQueue = 0;
     if (NodePath == TopPath) {
         if (!IsParent)
             ThrowHr(TREEVAULT_E_STG_BAD_PATH); // the place above the roots is no node
@@ -80,10 +84,9 @@ void CMemoryStorage::CNodesByPathFilter::Prepare(CMemoryStorage& storage) {
 
 void CMemoryStorage::CNodesByPathFilter::GetNext(IACNode** out) {
     *out = nullptr;
-    if (NodeQueue.empty())
+    if (NextInQueue == NodeQueue.size())
         return;
-    NodeRef node = std::move(NodeQueue.front());
-    NodeQueue.pop_front();
+    NodeRef node = std::move(NodeQueue[NextInQueue++]);
     if (!HandOutStored)
         node = CloneNode(node.Get(), static_cast<uint64_t>(MaxDepth));
     *out = node.Detach();

@@ -5,7 +5,7 @@
 
 #include "general/treevault/storage/memorystorage.h"
 
-#include <deque>
+#include <vector>
 
 namespace treevault {
 
@@ -45,7 +45,8 @@ private:
     WideText NodePath;
     bool IsParent = false;
     int64_t MaxDepth = -1;
-    std::deque<NodeRef> NodeQueue;
+    std::vector<NodeRef> NodeQueue; // in front of NextInQueue they are handed out
+    size_t NextInQueue = 0;
 };
 
 } // namespace treevault

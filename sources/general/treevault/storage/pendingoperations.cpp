@@ -14,11 +14,17 @@ HRESULT CPendingOperations::Lookup(const GUID* iid, void** out) noexcept {
     return LookupInterface(iid, out, this, InterfaceEntry{IID_PendingOperations, this});
 }
 
+void CPendingOperations::Drop(Step*& list) noexcept {
+    while (list) {
+        const StepPtr first(std::exchange(list, list->Next));
+    }
+}
+
 void CPendingOperations::Execute() {
     try {
         const FunctionTrace trace(TV_W("CPendingOperations::Execute"), SeverityDbg2);
-        for (size_t at = 0; at < Operations.size(); ++at)
-            Operations[at]();
+        for (Step* step = Operations; step; step = step->Next)
+            step->Run();
         Storage.CountRun();
     } catch (const HRX& failure) {
         LogTraced(SeverityDbg, [&](WideStream& line) {
@@ -40,17 +46,17 @@ void CPendingOperations::GiveUpRollback(const WriteError& writeError) noexcept {
         line << TV_W("CPendingOperations::Rollback failed: Rollback failed: ");
         writeError(line);
     });
-    UndoList.clear();
+    Drop(UndoList);
 }
 
 void CPendingOperations::Rollback() {
-    if (UndoList.empty())
+    if (!UndoList)
         return;
     const FunctionTrace trace(TV_W("Rolling the changes back"), SeverityDbg);
     try {
-        while (!UndoList.empty()) {
-            UndoList.back()();
-            UndoList.pop_back();
+        while (UndoList) {
+            UndoList->Run();
+            const StepPtr done(std::exchange(UndoList, UndoList->Next));
         }
     } catch (const HRX& failure) {
         GiveUpRollback([&](WideStream& line) { AppendErrorText(line, failure); });

@@ -5,10 +5,7 @@
 
 #include "common/components/componentobject.h"
 
-#include <algorithm>
-#include <deque>
-#include <functional>
-#include <vector>
+#include <memory>
 
 namespace treevault {
 
@@ -20,26 +17,47 @@ inline constexpr GUID IID_PendingOperations = {
 // Has no lock: one thread at a time fills it or runs it. It must not outlive its storage.
 class CPendingOperations : public ComponentHead {
 public:
-    // Owns what it captures. Failures are raised.
-    using Callable = std::function<void()>;
+    // Something to do. It owns what it needs; failures are raised.
+    class Step {
+    public:
+        virtual ~Step() = default;
+        virtual void Run() = 0;
+
+    private:
+        friend class CPendingOperations;
+        Step* Next = nullptr;
+    };
+    using StepPtr = std::unique_ptr<Step>;
 
     explicit CPendingOperations(CMemoryStorage& storage) : Storage(storage) {}
 
     HRESULT Lookup(const GUID* iid, void** out) noexcept;
 
-    void AddOperation(Callable operation) { Operations.push_back(std::move(operation)); }
+    template <class Callable>
+    static StepPtr MakeStep(Callable&& callable) {
+        class Calling final : public Step {
+        public:
+            explicit Calling(Callable&& what) : What(std::move(what)) {}
+            void Run() override { What(); }
 
-    // Makes room for an undo step, so that adding it after the change cannot fail.
-    Callable PrepareUndo(Callable undo) {
-        if (UndoList.size() == UndoList.capacity())
-            UndoList.reserve(std::max<size_t>(16, 2 * UndoList.size()));
-        return undo;
+        private:
+            Callable What;
+        };
+        return std::make_unique<Calling>(std::move(callable));
     }
 
-    // An empty step is left out.
-    void AddUndo(Callable undo) {
-        if (undo)
-            UndoList.push_back(std::move(undo));
+    template <class Callable>
+    void AddOperation(Callable&& operation) {
+        Step* const step = MakeStep(std::move(operation)).release();
+        *OperationsEnd = step;
+        OperationsEnd = &step->Next;
+    }
+
+    // The step was made before the change that it undoes, so that nothing can fail any more. None
+    // is left out.
+    void AddUndo(StepPtr undo) noexcept {
+        if (Step* const step = undo.release())
+            step->Next = std::exchange(UndoList, step);
     }
 
     // Runs the operations in order and counts the run. A failure undoes what was done and is raised
@@ -50,15 +68,21 @@ public:
     void Rollback();
 
 protected:
-    ~CPendingOperations() = default;
+    ~CPendingOperations() {
+        Drop(Operations);
+        Drop(UndoList);
+    }
 
 private:
+    static void Drop(Step*& list) noexcept;
+
     template <class WriteError>
     void GiveUpRollback(const WriteError& writeError) noexcept;
 
     CMemoryStorage& Storage;
-    std::deque<Callable> Operations; // stays in place while an operation adds to it
-    std::vector<Callable> UndoList;
+    Step* Operations = nullptr; // in the order of adding; one that runs may add another
+    Step** OperationsEnd = &Operations;
+    Step* UndoList = nullptr; // the last one first
 };
 
 } // namespace treevault

@@ -2,14 +2,25 @@
 // Retrieving: selection under the lock, hand-out in batches without it.
 #include "common/errorhandling.h"
 #include "common/functiontrace.h"
+#include "general/treevault/nodes/acnodeimpl.h"
 #include "general/treevault/nodes/nodereading.h"
 #include "general/treevault/presentation/nodelogview.h"
 #include "general/treevault/storage/nodesbypathfilter.h"
 
 namespace treevault {
 
+namespace {
+
+bool IsFilterByPath(IACNode* filter) {
+    if (const Ref<CACNodeImpl> own = CACNodeImpl::TryGetImpl(filter))
+        return EqualText(own->GetTypeName(), TREEVAULT_FILTER_BY_PATH);
+    return ReadType(filter) == TREEVAULT_FILTER_BY_PATH;
+}
+
+} // namespace
+
 Ref<INodeFilter> CMemoryStorage::CreateFilter(IACNode* filter, bool handOutStored) {
-    if (ReadType(filter) != TREEVAULT_FILTER_BY_PATH)
+    if (!IsFilterByPath(filter))
         ThrowHr(TREEVAULT_E_STG_BAD_FILTER);
     return Ref<INodeFilter>::Attach(
         MakeComponent<CNodesByPathFilter>(filter, handOutStored).Detach());

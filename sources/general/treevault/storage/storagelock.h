@@ -17,12 +17,12 @@ public:
         explicit Exclusive(StorageLock& lock) : Held(lock.IsOwner() ? nullptr : &lock) {
             if (Held) {
                 Held->Lock.EnterExclusive();
-                Held->OwnerThreadId.exchange(CurrentThreadId());
+                Held->OwnerThreadId.store(CurrentThreadId(), std::memory_order_relaxed);
             }
         }
         ~Exclusive() {
             if (Held) {
-                Held->OwnerThreadId.exchange(0);
+                Held->OwnerThreadId.store(0, std::memory_order_relaxed);
                 Held->Lock.LeaveExclusive();
             }
         }

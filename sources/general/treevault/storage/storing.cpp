@@ -39,18 +39,45 @@ HRESULT CMemoryStorage::StoreData(IOperationsGroup* group, StoreMode mode, IACNo
     });
 }
 
-// A node says itself where it goes; nothing else is taken from above it.
+namespace {
+
+// Where a node goes: it says so itself, and nothing else is taken from above it.
+struct NodePlace {
+    explicit NodePlace(IACNode* node) {
+        const Ref<CACNodeImpl> own = node ? CACNodeImpl::TryGetImpl(node) : Ref<CACNodeImpl>();
+        if (own) {
+            Path = own->GetPathLink();
+            Name = Path->Name();
+            ParentPath = ParentPathText(Path);
+        } else {
+            ForeignName = ReadName(node);
+            Name = ForeignName;
+            ParentPath = ReadName(node, NameParentPath);
+        }
+    }
+    NodePlace(const NodePlace&) = delete;
+    NodePlace& operator=(const NodePlace&) = delete;
+
+    WideView Name;
+    WideText ParentPath;
+
+private:
+    PathRef Path;
+    WideText ForeignName;
+};
+
+} // namespace
+
 void CMemoryStorage::PvtStoreNode(StoreMode mode, const NodeRef& node, bool alreadyCloned,
                                   CPendingOperations& group) {
-    const WideText name = ReadName(node.Get());
-    const WideText parentPath = ReadName(node.Get(), NameParentPath);
+    const NodePlace place(node.Get());
     NodeRef parent;
-    if (parentPath != WideView(&PathSeparator, 1)) {
-        parent = PvtFindNodeByPath(parentPath, BuildParentNodesIfMissing, &group);
+    if (place.ParentPath != WideView(&PathSeparator, 1)) {
+        parent = PvtFindNodeByPath(place.ParentPath, BuildParentNodesIfMissing, &group);
         if (!parent)
             ThrowHr(TREEVAULT_E_STG_PARENT_MISSING);
     }
-    const NodeRef existing = PvtFindChild(parent.Get(), name);
+    const NodeRef existing = PvtFindChild(parent.Get(), place.Name);
     ModifyMask flags = 0;
     NodeMerge(*this, mode, alreadyCloned, group).Apply(parent, existing, node, &flags);
     if (parent && flags != 0)
@@ -60,7 +87,7 @@ void CMemoryStorage::PvtStoreNode(StoreMode mode, const NodeRef& node, bool alre
 CMemoryStorage::NodeRef CMemoryStorage::PvtFindChild(IACNode* parent, WideView name) {
     if (!parent) {
         const auto found = RootNodes.find(name);
-        return found == RootNodes.end() ? NodeRef() : found->second;
+        return found == RootNodes.end() ? NodeRef() : found->second.Node;
     }
     if (const Ref<CACNodeImpl> impl = CACNodeImpl::TryGetImpl(parent))
         return NodeRef::Attach(impl->FindChild(name).Detach());
@@ -72,16 +99,48 @@ CMemoryStorage::NodeRef CMemoryStorage::PvtFindChild(IACNode* parent, WideView n
     return child;
 }
 
+namespace {
+
+// The component at `begin`, which moves behind it.
+WideView TakeComponent(WideView path, size_t& begin) noexcept {
+    const size_t end = std::min(path.find(PathSeparator, begin), path.size());
+    const WideView component = path.substr(begin, end - begin);
+    begin = end + 1;
+    return component;
+}
+
+} // namespace
+
+// Follows the path through nodes of the library as far as they go; `begin` moves behind what was
+// found. A root needs no reference, since it stays as long as the storage is locked: readers on
+// many threads pass it without writing to it more than they must.
+CMemoryStorage::NodeRef CMemoryStorage::PvtDescend(WideView path, size_t& begin) {
+    size_t next = begin;
+    const auto root = RootNodes.find(TakeComponent(path, next));
+    if (root == RootNodes.end() || !root->second.Own)
+        return NodeRef();
+    const CACNodeImpl* parent = root->second.Own;
+    Ref<CACNodeImpl> current;
+    for (begin = next; next < path.size(); begin = next) {
+        Ref<CACNodeImpl> child = parent->FindChild(TakeComponent(path, next));
+        if (!child)
+            break;
+        current = std::move(child);
+        parent = current.Get();
+    }
+    return current ? NodeRef::Attach(current.Detach()) : root->second.Node;
+}
+
 CMemoryStorage::NodeRef CMemoryStorage::PvtFindNodeByPath(WideView path, bool build,
                                                           CPendingOperations* group) {
-    NodeRef current;
-    size_t begin = !path.empty() && path.front() == PathSeparator ? 1 : 0;
     if (path.empty())
+        return NodeRef();
+    size_t begin = path.front() == PathSeparator ? 1 : 0;
+    NodeRef current = PvtDescend(path, begin);
+    if (current && begin >= path.size())
         return current;
     do {
-        const size_t end = std::min(path.find(PathSeparator, begin), path.size());
-        const WideView component = path.substr(begin, end - begin);
-        begin = end + 1;
+        const WideView component = TakeComponent(path, begin);
         NodeRef next = PvtFindChild(current.Get(), component);
         if (!next) {
             if (!build)
@@ -106,7 +165,7 @@ void CMemoryStorage::PvtAttachNode(IACNode* parent, const NodeRef& node, const W
     if (parent)
         HRES{parent->AddChild(node.Get())};
     else
-        RootNodes.emplace(name, node);
+        RootNodes.emplace(name, Root{node, CACNodeImpl::TryGetImpl(node.Get()).Get()});
 }
 
 // False when there was nothing to take out: a root may have gone already, and another node may bear
@@ -117,7 +176,7 @@ bool CMemoryStorage::PvtDetachNode(IACNode* parent, const NodeRef& node, const W
         return true;
     }
     const auto found = RootNodes.find(name);
-    if (found == RootNodes.end() || found->second.Get() != node.Get())
+    if (found == RootNodes.end() || found->second.Node.Get() != node.Get())
         return false;
     RootNodes.erase(found);
     return true;
@@ -127,9 +186,9 @@ void CMemoryStorage::PvtAddNode(const NodeRef& parent, const NodeRef& given, boo
                                 CPendingOperations& group, ModifyMask* parentFlags) {
     const WideText name = ReadName(given.Get());
     const NodeRef node = alreadyCloned ? given : CloneNode(given.Get(), TREEVAULT_ALL_LEVELS);
-    CPendingOperations::Callable undo;
+    CPendingOperations::StepPtr undo;
     if (MaintainAtomicity)
-        undo = group.PrepareUndo(
+        undo = CPendingOperations::MakeStep(
             [this, parent, node, name] { PvtDetachNode(parent.Get(), node, name); });
     PvtAttachNode(parent.Get(), node, name);
     group.AddUndo(std::move(undo));
@@ -140,9 +199,9 @@ void CMemoryStorage::PvtAddNode(const NodeRef& parent, const NodeRef& given, boo
 void CMemoryStorage::PvtRemoveNode(const NodeRef& parent, const NodeRef& existing,
                                    CPendingOperations& group, ModifyMask* parentFlags) {
     const WideText name = ReadName(existing.Get());
-    CPendingOperations::Callable undo;
+    CPendingOperations::StepPtr undo;
     if (MaintainAtomicity)
-        undo = group.PrepareUndo([this, parent, existing] {
+        undo = CPendingOperations::MakeStep([this, parent, existing] {
             PvtAttachNode(parent.Get(), existing, ReadName(existing.Get()));
         });
     // What an observer's own delete took away meanwhile is not put back by this group.
