@@ -50,18 +50,30 @@ void CheckNumber(benchmark::State& state, Store& store, const StoredNode& place,
         state.SkipWithError("a node does not hold what it should");
 }
 
+// Begins a group.
+template <class Store>
+void AddGroup(Store& store, const ChangeBatch& batch) {
+    store.Begin();
+    for (const Change& change : batch)
+        store.Add(change.Place, change.Values);
+}
+
 // --- One node as a group of its own --------------------------------------------------------------
 
 template <class Store>
 void BM_UpsertNode(benchmark::State& state) {
     Store& store = ObservedStore<Store>(state);
     LeafOrder& order = SharedOrder<Store>();
+    ChangeBatch batch(GroupSize);
     for (auto _ : state) {
-        order.Next();
-        store.Upsert(order.Place(), order.Values());
+        batch.Fill(order);
+        const Stopwatch watch;
+        for (const Change& change : batch)
+            store.Upsert(change.Place, change.Values);
+        state.SetIterationTime(watch.Seconds());
     }
     CheckNumber(state, store, order.Place(), order.Values().Data->Number);
-    Finish(state, store, 1);
+    Finish(state, store, GroupSize);
 }
 
 // A thousand nodes, each a group of its own, are timed together; they are added again before the
@@ -70,19 +82,14 @@ template <class Store>
 void BM_DeleteNode(benchmark::State& state) {
     Store& store = ObservedStore<Store>(state);
     LeafOrder& order = SharedOrder<Store>();
+    ChangeBatch batch(GroupSize);
     for (auto _ : state) {
-        LeafOrder again = order;
+        batch.Fill(order);
         const Stopwatch watch;
-        for (size_t left = GroupSize; left > 0; --left) {
-            order.Next();
-            store.Delete(order.Place());
-        }
+        for (const Change& change : batch)
+            store.Delete(change.Place);
         state.SetIterationTime(watch.Seconds());
-        store.Begin();
-        for (size_t left = GroupSize; left > 0; --left) {
-            again.Next();
-            store.Add(again.Place(), again.Values());
-        }
+        AddGroup(store, batch);
         store.Commit();
     }
     CheckNumber(state, store, order.Place(), order.Values().Data->Number);
@@ -92,21 +99,16 @@ void BM_DeleteNode(benchmark::State& state) {
 // --- A thousand nodes as one group ---------------------------------------------------------------
 
 template <class Store>
-void AddGroup(Store& store, LeafOrder& order) {
-    store.Begin();
-    for (size_t left = GroupSize; left > 0; --left) {
-        order.Next();
-        store.Add(order.Place(), order.Values());
-    }
-}
-
-template <class Store>
 void BM_UpsertGroup(benchmark::State& state) {
     Store& store = ObservedStore<Store>(state);
     LeafOrder& order = SharedOrder<Store>();
+    ChangeBatch batch(GroupSize);
     for (auto _ : state) {
-        AddGroup(store, order);
+        batch.Fill(order);
+        const Stopwatch watch;
+        AddGroup(store, batch);
         store.Commit();
+        state.SetIterationTime(watch.Seconds());
     }
     CheckNumber(state, store, order.Place(), order.Values().Data->Number);
     Finish(state, store, GroupSize);
@@ -120,9 +122,13 @@ void BM_UndoGroup(benchmark::State& state) {
     LeafOrder first = order;
     first.Next();
     const int32_t before = store.NumberAt(first.Place());
+    ChangeBatch batch(GroupSize);
     for (auto _ : state) {
-        AddGroup(store, order);
+        batch.Fill(order);
+        const Stopwatch watch;
+        AddGroup(store, batch);
         store.Rollback();
+        state.SetIterationTime(watch.Seconds());
     }
     CheckNumber(state, store, first.Place(), before);
     Finish(state, store, GroupSize);
@@ -136,8 +142,10 @@ void BM_RollbackGroup(benchmark::State& state) {
     LeafOrder first = order;
     first.Next();
     const int32_t before = store.NumberAt(first.Place());
+    ChangeBatch batch(GroupSize);
     for (auto _ : state) {
-        AddGroup(store, order);
+        batch.Fill(order);
+        AddGroup(store, batch);
         state.SetIterationTime(store.TimedRollback());
     }
     CheckNumber(state, store, first.Place(), before);
@@ -146,25 +154,30 @@ void BM_RollbackGroup(benchmark::State& state) {
 
 // --- Retrieval -----------------------------------------------------------------------------------
 
-// Threads begin far from each other. Elapsed time counts: it is what more threads are to save.
+// Threads begin far from each other. Elapsed time counts: it is what more threads are to save. Each
+// thread reads its own batch, and Google Benchmark takes the mean of the times of all threads.
 template <class Store>
 void BM_RetrieveNode(benchmark::State& state) {
     typename Store::Reader reader(Shared<Store>());
     LeafOrder order(static_cast<size_t>(state.thread_index()) * 25000);
+    ChangeBatch batch(GroupSize);
     for (auto _ : state) {
-        order.Next();
-        reader.Retrieve(order.Place());
+        batch.Fill(order);
+        const Stopwatch watch;
+        for (const Change& change : batch)
+            reader.Retrieve(change.Place);
+        state.SetIterationTime(watch.Seconds());
     }
-    CountItems(state, 1);
+    CountItems(state, GroupSize);
 }
 
 // The numbers of observers.
 void Observed(benchmark::internal::Benchmark* benchmark) {
-    benchmark->Arg(0)->Arg(1)->Arg(4);
+    benchmark->Arg(0)->Arg(1)->Arg(4)->UseManualTime();
 }
 
 void Threaded(benchmark::internal::Benchmark* benchmark) {
-    benchmark->UseRealTime()->Threads(1)->Threads(2)->Threads(4);
+    benchmark->UseManualTime()->Threads(1)->Threads(2)->Threads(4);
 }
 
 } // namespace
@@ -174,7 +187,8 @@ void Threaded(benchmark::internal::Benchmark* benchmark) {
     BENCHMARK_TEMPLATE(workload, SqliteStore)->Name(#workload "/sqlite")->Apply(Observed);         \
     BENCHMARK_TEMPLATE(workload, SqliteStoreWithoutRowIds)                                         \
         ->Name(#workload "/sqlite_without_rowids")                                                 \
-        ->Arg(0);                                                                                  \
+        ->Arg(0)                                                                                   \
+        ->UseManualTime();                                                                         \
     BENCHMARK_TEMPLATE(workload, UndoLogStore)->Name(#workload "/undo_log")->Apply(Observed)
 
 UPSERT_BENCHMARK(BM_UpsertNode);
@@ -195,12 +209,10 @@ ROLLBACK_BENCHMARK(UndoLogStore, "undo_log");
 
 BENCHMARK_TEMPLATE(BM_DeleteNode, VaultStore)
     ->Name("BM_DeleteNode/treevault")
-    ->Apply(Observed)
-    ->UseManualTime();
+    ->Apply(Observed);
 BENCHMARK_TEMPLATE(BM_DeleteNode, SqliteStore)
     ->Name("BM_DeleteNode/sqlite")
-    ->Apply(Observed)
-    ->UseManualTime();
+    ->Apply(Observed);
 BENCHMARK_TEMPLATE(BM_DeleteNode, SqliteStoreWithoutRowIds)
     ->Name("BM_DeleteNode/sqlite_without_rowids")
     ->Arg(0)

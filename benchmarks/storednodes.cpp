@@ -58,4 +58,24 @@ const StoredNode& LeafOrder::Leaf(size_t shift) const {
     return StoredLeaves()[(Order()[At] + shift) % Count];
 }
 
+namespace {
+
+void Gather(const StoredNode& from, StoredNode& node, NodeData& data, NarrowTexts& texts) {
+    node = from;
+    data = *from.Data;
+    texts = *from.Data->Narrow;
+    node.Data = &data;
+    data.Narrow = &texts;
+}
+
+} // namespace
+
+void ChangeBatch::Fill(LeafOrder& order) {
+    for (Change& change : Changes) {
+        order.Next();
+        Gather(order.Place(), change.Place, change.PlaceData, change.PlaceTexts);
+        Gather(order.Values(), change.Values, change.ValuesData, change.ValuesTexts);
+    }
+}
+
 } // namespace treevault::benchmarks

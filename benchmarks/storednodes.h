@@ -58,6 +58,35 @@ private:
     size_t Shift = 1;
 };
 
+// A change of a leaf, with all that a store reads of it.
+struct Change {
+    StoredNode Place;
+    StoredNode Values;
+    NodeData PlaceData;
+    NodeData ValuesData;
+    NarrowTexts PlaceTexts;
+    NarrowTexts ValuesTexts;
+};
+
+// The next changes of an order, side by side: what is timed is the change, and not the fetching of
+// what is to be changed from all over the memory.
+class ChangeBatch {
+public:
+    explicit ChangeBatch(size_t count) : Changes(count) {}
+    ChangeBatch(const ChangeBatch&) = delete;
+    ChangeBatch& operator=(const ChangeBatch&) = delete;
+
+    void Fill(LeafOrder& order);
+
+    auto begin() const { return Changes.begin(); }
+    auto end() const { return Changes.end(); }
+    const Change& front() const { return Changes.front(); }
+    const Change& back() const { return Changes.back(); }
+
+private:
+    std::vector<Change> Changes;
+};
+
 } // namespace treevault::benchmarks
 
 #endif

@@ -37,15 +37,18 @@ HRESULT CACNodeImpl::SetAttribute(const WCHAR* name, ValueType type, const void*
         const LockGuard guard(Lock);
         CheckValue(type, data, size);
         Attributes.EnsureOwn();
-        ValueStorage value;
-        value.Assign(data, size);
-        Attributes.Set(name, type, std::move(value), AttributeModified);
+        Attributes.Set(name, type, data, size, AttributeModified);
     });
 }
 
-void CACNodeImpl::SetAttributeTable(AttributeTable table) noexcept {
+AttributeTable CACNodeImpl::SplitAttributes() {
     const LockGuard guard(Lock);
-    std::swap(Attributes, table);
+    if (!Attributes || Attributes.IsShared()) {
+        AttributeTable before = Attributes;
+        Attributes.EnsureOwn();
+        return before;
+    }
+    return Attributes.Copy();
 }
 
 void CACNodeImpl::RestoreAttributes(AttributeTable table, const WideString& type) {

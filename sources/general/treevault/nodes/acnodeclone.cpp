@@ -29,6 +29,12 @@ Ref<CACNodeImpl> CACNodeImpl::PvtCloneAlone(uint32_t flags) const {
     return clone;
 }
 
+Ref<IACNode> CACNodeImpl::MakeSnapshot(const AttributeTable& attributes) const {
+    Ref<CACNodeImpl> clone = MakeComponent<CACNodeImpl>(*this);
+    clone->Attributes = attributes;
+    return Ref<IACNode>::Attach(clone.Detach());
+}
+
 // Builds downward, so that each node is linked once: a child shares its path with the original,
 // whose path lies below the path that the two parents share. The locks of the originals on the way
 // from the top to the node at work are held. Nobody else knows the clones yet, so theirs are not.

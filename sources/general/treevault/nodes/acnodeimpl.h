@@ -71,9 +71,14 @@ public:
     PathRef GetPathLink() const noexcept;
     AttributeTable GetAttributeTable() const noexcept;
 
-    // For the storage, which takes and gives both as a whole. The strong guarantee holds.
-    void SetAttributeTable(AttributeTable table) noexcept;
-    // As if each attribute were set anew.
+    // Makes sure that the table belongs to this node alone and gives what it holds now, for others
+    // to keep. A table of its own stays where it is, beside the node. The strong guarantee holds.
+    AttributeTable SplitAttributes();
+
+    // A clone of this node alone with other attributes. The caller holds the lock.
+    Ref<IACNode> MakeSnapshot(const AttributeTable& attributes) const;
+
+    // The attributes as if each were set anew, and the type. The strong guarantee holds.
     void RestoreAttributes(AttributeTable table, const WideString& type);
 
     // What a holder of Lock may read, or a holder of the parent's lock. References to children are
@@ -82,6 +87,7 @@ public:
     const PathRef& PathUnderLock() const noexcept { return Path; }
     const WideString& TypeUnderLock() const noexcept { return TypeName; }
     const AttributeTable& AttributesUnderLock() const noexcept { return Attributes; }
+    AttributeTable& AttributesUnderLock() noexcept { return Attributes; }
     std::span<CACNodeImpl* const> ChildrenUnderLock() const noexcept { return Children.InOrder(); }
 
     mutable RecursiveLock Lock; // guards every field of this node, but see Parent

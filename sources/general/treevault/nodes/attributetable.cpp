@@ -3,7 +3,6 @@
 #include "general/treevault/nodes/attributetable.h"
 
 #include "common/errorhandling.h"
-#include "common/ownercount.h"
 
 #include <algorithm>
 #include <cstring>
@@ -11,19 +10,6 @@
 #include <new>
 
 namespace treevault {
-
-struct alignas(AttributeEntry) AttributeTable::Block {
-    std::atomic<uint32_t> Owners;
-    uint32_t Count;
-    uint32_t Capacity;
-    uint32_t NameUnits; // used, with what erased entries left behind
-    uint32_t NameCapacity;
-
-    AttributeEntry* Entries() noexcept {
-        return std::launder(reinterpret_cast<AttributeEntry*>(this + 1));
-    }
-    WCHAR* Names() noexcept { return reinterpret_cast<WCHAR*>(Entries() + Capacity); }
-};
 
 namespace {
 
@@ -38,19 +24,6 @@ void MoveEntries(AttributeEntry* to, const AttributeEntry* from, size_t count) n
 
 } // namespace
 
-int AttributeTable::CompareNames(const WCHAR* left, const WCHAR* right) noexcept {
-    while (*left != 0 && *left == *right) {
-        ++left;
-        ++right;
-    }
-    return static_cast<int>(*left) - static_cast<int>(*right);
-}
-
-AttributeTable::AttributeTable(const AttributeTable& other) noexcept : Shared(other.Shared) {
-    if (Shared)
-        Shared->Owners.fetch_add(1, std::memory_order_relaxed);
-}
-
 AttributeTable::Block* AttributeTable::Allocate(size_t entries, size_t nameUnits) {
     static_assert(sizeof(Block) % alignof(AttributeEntry) == 0);
     if (nameUnits > std::numeric_limits<uint32_t>::max())
@@ -61,17 +34,9 @@ AttributeTable::Block* AttributeTable::Allocate(size_t entries, size_t nameUnits
         Block{1, 0, static_cast<uint32_t>(entries), 0, static_cast<uint32_t>(nameUnits)};
 }
 
-void AttributeTable::Drop(Block* block) noexcept {
-    if (!block || !IsLastOwner(block->Owners))
-        return;
+void AttributeTable::Free(Block* block) noexcept {
     std::destroy_n(block->Entries(), block->Count);
     ::operator delete(block);
-}
-
-std::span<AttributeEntry> AttributeTable::Entries() const noexcept {
-    if (!Shared)
-        return {};
-    return {Shared->Entries(), Shared->Count};
 }
 
 void AttributeTable::Prefetch() const noexcept {
@@ -80,10 +45,6 @@ void AttributeTable::Prefetch() const noexcept {
     constexpr size_t cacheLine = 64;
     __builtin_prefetch(Shared, 1);
     __builtin_prefetch(reinterpret_cast<const char*>(Shared) + cacheLine, 1);
-}
-
-const WCHAR* AttributeTable::Name(const AttributeEntry& entry) const noexcept {
-    return Shared->Names() + entry.NameOffset;
 }
 
 // Sets `at` to where the entry of `name` is or would be; tells whether it is there.
@@ -112,36 +73,25 @@ AttributeEntry* AttributeTable::Find(const WCHAR* name) const noexcept {
     return Search(name, at) ? &Entries()[at] : nullptr;
 }
 
-void AttributeTable::EnsureOwn() {
-    if (!Shared) {
-        Shared = Allocate(FirstCapacity, FirstNameCapacity);
-        return;
+AttributeTable AttributeTable::Copy() const {
+    AttributeTable copy;
+    copy.Shared = Allocate(std::max<size_t>(Shared->Count, FirstCapacity), Shared->NameCapacity);
+    Block& target = *copy.Shared;
+    std::memcpy(target.Names(), Shared->Names(), Shared->NameUnits * sizeof(WCHAR));
+    target.NameUnits = Shared->NameUnits;
+    for (const AttributeEntry& entry : Entries()) {
+        new (target.Entries() + target.Count) AttributeEntry{
+            entry.NameOffset, entry.Type, entry.LoadFlags(), ValueStorage(entry.Value)};
+        ++target.Count;
     }
-    // With one owner, and that one's lock held, nobody can become a second.
-    if (Shared->Owners.load(std::memory_order_acquire) == 1)
-        return;
-    AttributeTable copy =
-        MakeRoom(std::max<size_t>(Shared->Count, FirstCapacity), Shared->NameCapacity);
-    for (const AttributeEntry& entry : Entries())
-        copy.Append(Name(entry), entry.Type, entry.Value, entry.LoadFlags());
-    std::swap(Shared, copy.Shared);
+    return copy;
 }
 
-AttributeTable AttributeTable::MakeRoom(size_t entries, size_t nameUnits) {
-    AttributeTable table;
-    table.Shared = Allocate(entries, nameUnits);
-    return table;
-}
-
-void AttributeTable::Append(const WCHAR* name, ValueType type, const ValueStorage& value,
-                            uint16_t flags) {
-    Block& block = *Shared;
-    new (block.Entries() + block.Count)
-        AttributeEntry{block.NameUnits, type, flags, ValueStorage(value)};
-    ++block.Count;
-    const size_t units = WideLength(name) + 1;
-    std::memcpy(block.Names() + block.NameUnits, name, units * sizeof(WCHAR));
-    block.NameUnits += static_cast<uint32_t>(units);
+void AttributeTable::EnsureOwn() {
+    if (!Shared)
+        Shared = Allocate(FirstCapacity, FirstNameCapacity);
+    else if (IsShared())
+        *this = Copy();
 }
 
 // Makes room for one more entry and for the characters of its name, in a new block if need be; what
@@ -169,15 +119,20 @@ void AttributeTable::Reserve(size_t nameUnits) {
     ::operator delete(std::exchange(Shared, grown));
 }
 
-void AttributeTable::Set(const WCHAR* name, ValueType type, ValueStorage&& value, uint16_t flags) {
+void AttributeTable::Set(const WCHAR* name, ValueType type, const void* data, uint64_t size,
+                         uint16_t flags) {
     size_t at;
     if (Search(name, at)) {
         AttributeEntry& entry = Entries()[at];
-        entry.Value = std::move(value);
+        if (entry.Value.Size() == size)
+            entry.Value.Assign(data, size);
+        else
+            entry.Value = ValueStorage(data, size);
         entry.Type = type;
         entry.StoreFlags(flags);
         return;
     }
+    ValueStorage value(data, size);
     const size_t units = WideLength(name) + 1;
     Reserve(units);
     std::memcpy(Shared->Names() + Shared->NameUnits, name, units * sizeof(WCHAR));

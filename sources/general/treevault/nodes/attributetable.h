@@ -4,6 +4,7 @@
 #ifndef TREEVAULT_NODES_ATTRIBUTETABLE_H
 #define TREEVAULT_NODES_ATTRIBUTETABLE_H
 
+#include "common/ownercount.h"
 #include "general/treevault/values/valuestorage.h"
 #include "platform/widetext.h"
 
@@ -11,6 +12,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <new>
 #include <span>
 #include <utility>
 
@@ -38,29 +40,44 @@ inline constexpr uint16_t AttributeModified = 1;
 class AttributeTable {
 public:
     AttributeTable() noexcept = default;
-    AttributeTable(const AttributeTable& other) noexcept;
+    AttributeTable(const AttributeTable& other) noexcept : Shared(other.Shared) {
+        if (Shared)
+            Shared->Owners.fetch_add(1, std::memory_order_relaxed);
+    }
     AttributeTable(AttributeTable&& other) noexcept
         : Shared(std::exchange(other.Shared, nullptr)) {}
     AttributeTable& operator=(AttributeTable other) noexcept {
         std::swap(Shared, other.Shared);
         return *this;
     }
-    ~AttributeTable() { Drop(Shared); }
+    ~AttributeTable() {
+        if (Shared && IsLastOwner(Shared->Owners))
+            Free(Shared);
+    }
 
     explicit operator bool() const noexcept { return Shared != nullptr; }
 
-    // Room for so many entries and for the characters of their names, each with its terminator.
-    static AttributeTable MakeRoom(size_t entries, size_t nameUnits);
+    // With one owner, whose lock is held, nobody can become a second.
+    bool IsShared() const noexcept {
+        return Shared && Shared->Owners.load(std::memory_order_acquire) != 1;
+    }
+
+    // A private copy; there must be a table.
+    AttributeTable Copy() const;
 
     // Makes a table where there is none, and a private copy of a shared one. The strong guarantee
     // holds: what memory does not suffice for changes nothing.
     void EnsureOwn();
 
     // The entries in the order of their names.
-    std::span<AttributeEntry> Entries() const noexcept;
+    std::span<AttributeEntry> Entries() const noexcept {
+        return Shared ? std::span(Shared->Entries(), Shared->Count) : std::span<AttributeEntry>();
+    }
 
     // Zero-terminated.
-    const WCHAR* Name(const AttributeEntry& entry) const noexcept;
+    const WCHAR* Name(const AttributeEntry& entry) const noexcept {
+        return Shared->Names() + entry.NameOffset;
+    }
 
     // Null when there is no such attribute.
     AttributeEntry* Find(const WCHAR* name) const noexcept;
@@ -74,24 +91,39 @@ public:
     // Asks the processor for the first entries.
     void Prefetch() const noexcept;
 
-    // For the only owner: sets the value, in a new entry if need be. The value is taken over once
-    // nothing can fail any more.
-    void Set(const WCHAR* name, ValueType type, ValueStorage&& value, uint16_t flags);
-
-    // For the only owner, behind all that is there: there must be room for the entry.
-    void Append(const WCHAR* name, ValueType type, const ValueStorage& value, uint16_t flags);
+    // For the only owner: sets the value, in a new entry if need be. Null data gives zeros. The
+    // strong guarantee holds.
+    void Set(const WCHAR* name, ValueType type, const void* data, uint64_t size, uint16_t flags);
 
     // For the only owner.
     void Erase(AttributeEntry* entry) noexcept;
 
 private:
-    struct Block;
+    // The entries follow behind, and behind these the characters of their names.
+    struct alignas(AttributeEntry) Block {
+        std::atomic<uint32_t> Owners;
+        uint32_t Count;
+        uint32_t Capacity;
+        uint32_t NameUnits; // used, with what erased entries left behind
+        uint32_t NameCapacity;
+
+        AttributeEntry* Entries() noexcept {
+            return std::launder(reinterpret_cast<AttributeEntry*>(this + 1));
+        }
+        WCHAR* Names() noexcept { return reinterpret_cast<WCHAR*>(Entries() + Capacity); }
+    };
 
     // As unsigned code units, like every comparison of names.
-    static int CompareNames(const WCHAR* left, const WCHAR* right) noexcept;
+    static int CompareNames(const WCHAR* left, const WCHAR* right) noexcept {
+        while (*left != 0 && *left == *right) {
+            ++left;
+            ++right;
+        }
+        return static_cast<int>(*left) - static_cast<int>(*right);
+    }
 
     static Block* Allocate(size_t entries, size_t nameUnits);
-    static void Drop(Block* block) noexcept;
+    static void Free(Block* block) noexcept;
     bool Search(const WCHAR* name, size_t& at) const noexcept;
     void Reserve(size_t nameUnits);
 

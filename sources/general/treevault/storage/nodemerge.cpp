@@ -213,9 +213,13 @@ bool NodeMerge::IsDropped(const AttributeTable& old, const AttributeEntry* oldEn
     return !entry && ReplacesAttributes() && *old.Name(*oldEntry) != 0;
 }
 
-// Those that are set come before those that go.
+// The names are listed: what is set comes before what goes.
 void NodeMerge::ListChanges(const AttributeTable& old, const AttributeTable& given) {
-    const auto list = [&](const WCHAR* name) { ChangedNames.append(name).push_back(0); };
+    const auto list = [&](const WCHAR* name) {
+        if (ChangedNames.empty())
+            ChangedNames.reserve(0x40);
+        ChangedNames.append(name).push_back(0);
+    };
     AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
         if (IsTaken(given, oldEntry, entry))
             list(given.Name(*entry));
@@ -227,42 +231,32 @@ void NodeMerge::ListChanges(const AttributeTable& old, const AttributeTable& giv
         });
 }
 
-AttributeTable NodeMerge::MergedTable(const AttributeTable& old,
-                                      const AttributeTable& given) const {
-    size_t entries = 0;
-    size_t nameUnits = 0;
-    AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
-        ++entries;
-        nameUnits += WideLength(oldEntry ? old.Name(*oldEntry) : given.Name(*entry)) + 1;
-    });
-    AttributeTable merged = AttributeTable::MakeRoom(entries, nameUnits);
-    AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
-        if (IsTaken(given, oldEntry, entry))
-            merged.Append(given.Name(*entry), entry->Type, entry->Value, AttributeModified);
-        else if (oldEntry && !IsDropped(old, oldEntry, entry))
-            merged.Append(old.Name(*oldEntry), oldEntry->Type, oldEntry->Value,
-                          oldEntry->LoadFlags());
-    });
-    return merged;
+// Changes the stored table as the names say; what the given one lacks goes.
+void NodeMerge::MakeChanges(AttributeTable& stored, const AttributeTable& given) const {
+    for (const WCHAR* name = ChangedNames.c_str(); *name != 0; name += WideLength(name) + 1) {
+        if (const AttributeEntry* const entry = given.Find(name))
+            stored.Set(name, entry->Type, entry->Value.Data(), entry->Value.Size(),
+                       AttributeModified);
+        else
+            stored.Erase(stored.Find(name));
+    }
 }
 
-// Nodes of the library are compared where their values lie, and get a table that is made in one go.
-// The given table is shared meanwhile, so that nobody changes it. What undoes the change stands
-// before it is made.
+// Nodes of the library are compared where their values lie. The given table is shared meanwhile, so
+// that nobody changes it. What undoes the changes stands before the first of them is made.
 void NodeMerge::MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& given) {
     const AttributeTable givenTable = given.GetAttributeTable();
     const LockGuard guard(existing.Lock);
-    AttributeTable old = existing.GetAttributeTable();
-    WideString oldType = existing.GetTypeName();
-    ListChanges(old, givenTable);
+    const WideString oldType = existing.TypeUnderLock();
+    ListChanges(existing.AttributesUnderLock(), givenTable);
     if (!ChangedNames.empty()) {
-        AttributeTable merged = MergedTable(old, givenTable);
+        AttributeTable old = existing.SplitAttributes();
         if (Storage.PvtIsObserved())
-            EnsureSnapshot(&existing);
+            Snapshot = existing.MakeSnapshot(old);
         Group.AddUndo(CPendingOperations::MakeStep(
             [stored = Ref<CACNodeImpl>::Share(&existing), table = std::move(old),
              type = oldType]() mutable { stored->RestoreAttributes(std::move(table), type); }));
-        existing.SetAttributeTable(std::move(merged));
+        MakeChanges(existing.AttributesUnderLock(), givenTable);
     }
     MergeType(&existing, oldType, given.GetTypeName());
 }
@@ -278,7 +272,7 @@ void NodeMerge::MergeAttributes(const Ref<IACNode>& existing, const Ref<IACNode>
         MergeOwnAttributes(*ownExisting, *ownGiven);
     else
         MergeForeignAttributes(existing.Get(), given.Get());
-    // No snapshot is taken where nobody listens.
+    // No snapshot is taken where nobody is told.
     if (!ChangedNames.empty() && Snapshot)
         Storage.PvtSignalModified(Snapshot.Get(), existing.Get(), ModifyNodeChanged,
                                   ChangedNames.c_str());

@@ -51,7 +51,7 @@ private:
     bool IsDropped(const AttributeTable& old, const AttributeEntry* oldEntry,
                    const AttributeEntry* entry) const noexcept;
     void ListChanges(const AttributeTable& old, const AttributeTable& given);
-    AttributeTable MergedTable(const AttributeTable& old, const AttributeTable& given) const;
+    void MakeChanges(AttributeTable& stored, const AttributeTable& given) const;
     void MergeForeignAttributes(IACNode* existing, IACNode* given);
     void MergeAttribute(IACNode* existing, IACNode* given, const WCHAR* name);
     void ReplaceAttributes(IACNode* existing, IACNode* given);
@@ -68,7 +68,7 @@ private:
     CPendingOperations& Group;
 
     // Of the pair of nodes at work.
-    Ref<IACNode> Snapshot; // the stored node before its first change
+    Ref<IACNode> Snapshot; // the stored node before its first change, for those who are told
     WideText ChangedNames; // each changed attribute with its terminator
 
     RawAttribute GivenValue;

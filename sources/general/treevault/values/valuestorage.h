@@ -15,11 +15,21 @@ public:
 
     ValueStorage() noexcept : Bytes{}, Length(0) {}
     ValueStorage(const void* data, uint64_t size) : ValueStorage() { Assign(data, size); }
-    ValueStorage(const ValueStorage& other) : ValueStorage(other.Data(), other.Length) {}
+    ValueStorage(const ValueStorage& other) : ValueStorage() {
+        if (other.IsOnHeap()) {
+            Assign(other.Bytes.Block, other.Length);
+        } else {
+            Bytes = other.Bytes;
+            Length = other.Length;
+        }
+    }
     ValueStorage(ValueStorage&& other) noexcept : Bytes(other.Bytes), Length(other.Length) {
         other.Length = 0;
     }
-    ~ValueStorage() { Release(); }
+    ~ValueStorage() {
+        if (IsOnHeap())
+            Release();
+    }
 
     // The old bytes are given up only after the new ones were made.
     ValueStorage& operator=(const ValueStorage& other) { return *this = ValueStorage(other); }
