@@ -39,7 +39,7 @@ CACNodeImpl::CACNodeImpl(const WCHAR* name, const WCHAR* type) {
 }
 
 CACNodeImpl::CACNodeImpl(const CACNodeImpl& source)
-    : Attributes(source.Attributes), TypeName(source.TypeName), Path(source.Path) {
+    : Attributes(source.Attributes), Path(source.Path), TypeName(source.TypeName) {
     const FunctionTrace trace(TV_W("CACNodeImpl::CACNodeImpl"));
     LogTraced(SeverityDbg3, [&](WideStream& line) {
         line << TV_W("Cloning: Name=") << ShortName() << TV_W(" Type=") << TypeName.View();

@@ -118,8 +118,8 @@ private:
     HRESULT PvtMiss(HRESULT hr, const WCHAR* key, const WCHAR* value) noexcept;
     HRESULT PvtIndexMiss(uint64_t index);
 
+    // What a walk along a path reads comes first, near the lock.
     AttributeTable Attributes; // none if no attribute was ever set or all were deleted at once
-    WideString TypeName;
 
     // Not counted. Claimed from null by an atomic exchange, otherwise written under Lock. While a
     // node is torn down it links those that die with it.
@@ -130,6 +130,8 @@ private:
     // Never none; below the parent's as long as there is one. It is read under this node's lock or
     // the parent's, and written under both.
     PathRef Path;
+
+    WideString TypeName;
 };
 
 } // namespace treevault

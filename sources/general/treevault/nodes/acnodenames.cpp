@@ -108,7 +108,6 @@ bool CACNodeImpl::PvtRenameChild(CACNodeImpl* child, WideView newName) {
         return true;
     if (Children.Find(newName))
         ThrowHr(TREEVAULT_E_CHILD_EXISTS);
-    Children.Reserve(1);
     child->SetPathLink(Path, newName);
     Children.Rename(oldName, newName, child);
     return true;

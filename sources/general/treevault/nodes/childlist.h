@@ -1,21 +1,30 @@
 // SPDX-License-Identifier: MIT
-// The children of a node: in the order of their adding, and by name. A node without children pays
-// one pointer for it.
+// The children of a node: in the order of their adding, and by name in a hash table.
 #ifndef TREEVAULT_NODES_CHILDLIST_H
 #define TREEVAULT_NODES_CHILDLIST_H
 
-#include "general/treevault/nodes/childindex.h"
+#include "platform/widetext.h"
 
-#include <algorithm>
+#include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace treevault {
 
-// Guarded by the lock of the parent. It holds two references to each child, one for each list, and
-// leaves their counting to the parent.
+class CACNodeImpl;
+
+// Guarded by the lock of the parent, which keeps the names of the children as they are: they are
+// read where the children keep them. It holds two references to each child, one for each way to
+// find it, and leaves their counting to the parent. A node without children pays one pointer for
+// it.
 class ChildList {
 public:
+    ChildList() = default;
+    ~ChildList() { Clear(); }
+    ChildList(const ChildList&) = delete;
+    ChildList& operator=(const ChildList&) = delete;
+
     size_t Size() const noexcept { return Lists ? Lists->Children.size() : 0; }
     std::span<CACNodeImpl* const> InOrder() const noexcept {
         return Lists ? std::span<CACNodeImpl* const>(Lists->Children)
@@ -24,46 +33,45 @@ public:
     CACNodeImpl* operator[](size_t index) const noexcept { return Lists->Children[index]; }
 
     // Null when there is no child of that name.
-    CACNodeImpl* Find(WideView name) const noexcept {
-        return Lists ? Lists->ChildrenByName.Find(name) : nullptr;
-    }
+    CACNodeImpl* Find(WideView name) const noexcept;
 
     // Makes room for so many more, so that Append cannot fail.
-    void Reserve(size_t more) {
-        if (!Lists)
-            Lists = std::make_unique<Both>();
-        std::vector<CACNodeImpl*>& children = Lists->Children;
-        if (children.capacity() - children.size() < more)
-            children.reserve(std::max({children.size() + more, 2 * children.size(), size_t{4}}));
-        Lists->ChildrenByName.Reserve(more);
-    }
+    void Reserve(size_t more);
 
     // There must be room, and no child of that name.
-    void Append(WideView name, CACNodeImpl* child) noexcept {
-        Lists->ChildrenByName.Insert(name, child);
-        Lists->Children.push_back(child);
-    }
+    void Append(WideView name, CACNodeImpl* child) noexcept;
 
-    void Erase(size_t index, WideView name) noexcept {
-        Lists->ChildrenByName.Erase(name, Lists->Children[index]);
-        Lists->Children.erase(Lists->Children.begin() + static_cast<ptrdiff_t>(index));
-    }
+    // The name must be that under which the child was added or that it got by Rename.
+    void Erase(size_t index, WideView name) noexcept;
+    void Rename(WideView oldName, WideView newName, CACNodeImpl* child) noexcept;
 
-    // There must be room for one more.
-    void Rename(WideView oldName, WideView newName, CACNodeImpl* child) noexcept {
-        Lists->ChildrenByName.Insert(newName, child);
-        Lists->ChildrenByName.Erase(oldName, child);
-    }
-
-    void Clear() noexcept { Lists.reset(); }
+    void Clear() noexcept { Free(std::exchange(Lists, nullptr)); }
 
 private:
-    struct Both {
-        std::vector<CACNodeImpl*> Children;
-        ChildIndex ChildrenByName;
+    // Free when there is no child. A child stands in its own slot, that of its hash, or behind it
+    // with no free slot between; the last slot is followed by the first.
+    struct Slot {
+        CACNodeImpl* Child;
+        uint32_t Hash;
     };
 
-    std::unique_ptr<Both> Lists; // null before the first child
+    // The slots follow behind.
+    struct Block {
+        std::vector<CACNodeImpl*> Children;
+        size_t Capacity; // a power of two
+
+        Slot* Slots() noexcept { return reinterpret_cast<Slot*>(this + 1); }
+        size_t Own(uint32_t hash) const noexcept { return hash & (Capacity - 1); }
+        size_t Next(size_t at) const noexcept { return (at + 1) & (Capacity - 1); }
+        void Place(Slot slot) noexcept;
+        void Remove(uint32_t hash, const CACNodeImpl* child) noexcept;
+    };
+
+    static Block* Allocate(size_t capacity);
+    static void Free(Block* block) noexcept;
+    void ReserveSlots(size_t count);
+
+    Block* Lists = nullptr; // none before the first child
 };
 
 } // namespace treevault

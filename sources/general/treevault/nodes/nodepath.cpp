@@ -49,18 +49,37 @@ PathRef MakePathLink(WideView name, const PathRef& parent) {
     return PathRef::Make(name, parent);
 }
 
+namespace {
+
+// One link for all of the names, unless separators stand side by side between them.
+PathRef ParseNames(WideView names) {
+    constexpr WCHAR twoSeparators[] = {PathSeparator, PathSeparator};
+    if (names.empty())
+        return PathRef();
+    if (names.find(twoSeparators, 0, 2) == WideView::npos)
+        return PathRef::Make(names, PathRef());
+    PathRef path;
+    for (size_t begin = 0; begin < names.size();) {
+        const size_t end = std::min(names.find(PathSeparator, begin), names.size());
+        if (end != begin)
+            path = PathRef::Make(names.substr(begin, end - begin), std::move(path));
+        begin = end + 1;
+    }
+    return path;
+}
+
+} // namespace
+
 PathRef ParsePath(WideView text) {
     if (text.empty() || text.front() != PathSeparator ||
         (text.size() > 1 && text.back() == PathSeparator))
         ThrowHr(TREEVAULT_E_INVALID_NAME);
-    PathRef path;
-    for (size_t begin = 0; begin < text.size();) {
-        const size_t end = std::min(text.find(PathSeparator, begin), text.size());
-        if (end != begin)
-            path = PathRef::Make(text.substr(begin, end - begin), std::move(path));
-        begin = end + 1;
-    }
-    return path;
+    if (text.size() == 1)
+        return PathRef();
+    const size_t first = text.find_first_not_of(PathSeparator);
+    const size_t name = text.rfind(PathSeparator) + 1;
+    const size_t end = first == name ? name : text.find_last_not_of(PathSeparator, name - 1) + 1;
+    return PathRef::Make(text.substr(name), ParseNames(text.substr(first, end - first)));
 }
 
 namespace {

@@ -45,25 +45,43 @@ namespace {
 struct NodePlace {
     explicit NodePlace(IACNode* node) {
         const Ref<CACNodeImpl> own = node ? CACNodeImpl::TryGetImpl(node) : Ref<CACNodeImpl>();
-        if (own) {
-            Path = own->GetPathLink();
-            Name = Path->Name();
-            ParentPath = ParentPathText(Path);
-        } else {
-            ForeignName = ReadName(node);
-            Name = ForeignName;
-            ParentPath = ReadName(node, NameParentPath);
-        }
+        if (own)
+            Take(own->GetPathLink());
+        else
+            Read(node);
     }
     NodePlace(const NodePlace&) = delete;
     NodePlace& operator=(const NodePlace&) = delete;
 
+    bool IsRoot() const noexcept { return ParentPath == WideView(&PathSeparator, 1); }
+
     WideView Name;
-    WideText ParentPath;
+    WideView ParentPath; // the separator in front may be missing
 
 private:
+    // What stands in one link needs no text of its own.
+    void Take(PathRef path) {
+        Path = std::move(path);
+        Name = Path->Name();
+        const PathRef& above = Path->ParentLink;
+        if (above && !above->ParentLink && above->NameLength != 0) {
+            ParentPath = above->Name();
+        } else {
+            ParentText = ParentPathText(Path);
+            ParentPath = ParentText;
+        }
+    }
+
+    void Read(IACNode* node) {
+        NameText = ReadName(node);
+        ParentText = ReadName(node, NameParentPath);
+        Name = NameText;
+        ParentPath = ParentText;
+    }
+
     PathRef Path;
-    WideText ForeignName;
+    WideText NameText;
+    WideText ParentText;
 };
 
 } // namespace
@@ -72,7 +90,7 @@ void CMemoryStorage::PvtStoreNode(StoreMode mode, const NodeRef& node, bool alre
                                   CPendingOperations& group) {
     const NodePlace place(node.Get());
     NodeRef parent;
-    if (place.ParentPath != WideView(&PathSeparator, 1)) {
+    if (!place.IsRoot()) {
         parent = PvtFindNodeByPath(place.ParentPath, BuildParentNodesIfMissing, &group);
         if (!parent)
             ThrowHr(TREEVAULT_E_STG_PARENT_MISSING);
