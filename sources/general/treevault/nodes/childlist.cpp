@@ -28,27 +28,28 @@ CACNodeImpl* ChildList::Find(WideView name) const noexcept {
         return nullptr;
     const uint32_t hash = HashText(name);
     const Slot* const slots = Lists->Slots();
-    for (size_t at = Lists->Own(hash); slots[at].Child; at = Lists->Next(at))
+    for (size_t at = OwnSlot(hash); slots[at].Child; at = NextSlot(at))
         if (slots[at].Hash == hash && EqualText(slots[at].Child->ShortName(), name))
             return slots[at].Child;
     return nullptr;
 }
 
-void ChildList::Block::Place(Slot slot) noexcept {
-    size_t at = Own(slot.Hash);
-    while (Slots()[at].Child)
-        at = Next(at);
-    Slots()[at] = slot;
+void ChildList::Place(Slot slot) noexcept {
+    Slot* const slots = Lists->Slots();
+    size_t at = OwnSlot(slot.Hash);
+    while (slots[at].Child)
+        at = NextSlot(at);
+    slots[at] = slot;
 }
 
 // What stands behind the gap moves into it, unless it would come to stand before its own slot.
-void ChildList::Block::Remove(uint32_t hash, const CACNodeImpl* child) noexcept {
-    Slot* const slots = Slots();
-    size_t gap = Own(hash);
+void ChildList::Remove(uint32_t hash, const CACNodeImpl* child) noexcept {
+    Slot* const slots = Lists->Slots();
+    size_t gap = OwnSlot(hash);
     while (slots[gap].Child != child || slots[gap].Hash != hash)
-        gap = Next(gap);
-    for (size_t at = Next(gap); slots[at].Child; at = Next(at)) {
-        const size_t distance = (at - Own(slots[at].Hash)) & (Capacity - 1);
+        gap = NextSlot(gap);
+    for (size_t at = NextSlot(gap); slots[at].Child; at = NextSlot(at)) {
+        const size_t distance = (at - OwnSlot(slots[at].Hash)) & (Capacity - 1);
         if (distance >= ((at - gap) & (Capacity - 1)))
             slots[std::exchange(gap, at)] = slots[at];
     }
@@ -58,7 +59,7 @@ void ChildList::Block::Remove(uint32_t hash, const CACNodeImpl* child) noexcept 
 ChildList::Block* ChildList::Allocate(size_t capacity) {
     static_assert(sizeof(Block) % alignof(Slot) == 0);
     void* memory = ::operator new(sizeof(Block) + capacity * sizeof(Slot));
-    Block* const block = new (memory) Block{{}, capacity};
+    Block* const block = new (memory) Block;
     std::uninitialized_value_construct_n(block->Slots(), capacity);
     return block;
 }
@@ -71,19 +72,20 @@ void ChildList::Free(Block* block) noexcept {
 }
 
 void ChildList::ReserveSlots(size_t count) {
-    size_t capacity = Lists ? Lists->Capacity : FirstCapacity;
+    size_t capacity = std::max(Capacity, FirstCapacity);
     while (!Suffices(capacity, count))
         capacity *= 2;
-    if (Lists && Lists->Capacity == capacity)
+    if (Capacity == capacity)
         return;
-    Block* const block = Allocate(capacity);
-    if (Lists) {
-        for (const Slot& slot : std::span(Lists->Slots(), Lists->Capacity))
-            if (slot.Child)
-                block->Place(slot);
-        block->Children = std::move(Lists->Children);
-    }
-    Free(std::exchange(Lists, block));
+    Block* const former = std::exchange(Lists, Allocate(capacity));
+    const size_t formerCapacity = std::exchange(Capacity, capacity);
+    if (!former)
+        return;
+    for (const Slot& slot : std::span(former->Slots(), formerCapacity))
+        if (slot.Child)
+            Place(slot);
+    Lists->Children = std::move(former->Children);
+    Free(former);
 }
 
 void ChildList::Reserve(size_t more) {
@@ -95,19 +97,19 @@ void ChildList::Reserve(size_t more) {
 }
 
 void ChildList::Append(WideView name, CACNodeImpl* child) noexcept {
-    Lists->Place({child, HashText(name)});
+    Place({child, HashText(name)});
     Lists->Children.push_back(child);
 }
 
 void ChildList::Erase(size_t index, WideView name) noexcept {
     std::vector<CACNodeImpl*>& children = Lists->Children;
-    Lists->Remove(HashText(name), children[index]);
+    Remove(HashText(name), children[index]);
     children.erase(children.begin() + static_cast<ptrdiff_t>(index));
 }
 
 void ChildList::Rename(WideView oldName, WideView newName, CACNodeImpl* child) noexcept {
-    Lists->Remove(HashText(oldName), child);
-    Lists->Place({child, HashText(newName)});
+    Remove(HashText(oldName), child);
+    Place({child, HashText(newName)});
 }
 
 } // namespace treevault

@@ -45,7 +45,10 @@ public:
     void Erase(size_t index, WideView name) noexcept;
     void Rename(WideView oldName, WideView newName, CACNodeImpl* child) noexcept;
 
-    void Clear() noexcept { Free(std::exchange(Lists, nullptr)); }
+    void Clear() noexcept {
+        Free(std::exchange(Lists, nullptr));
+        Capacity = 0;
+    }
 
 private:
     // Free when there is no child. A child stands in its own slot, that of its hash, or behind it
@@ -58,20 +61,20 @@ private:
     // The slots follow behind.
     struct Block {
         std::vector<CACNodeImpl*> Children;
-        size_t Capacity; // a power of two
-
         Slot* Slots() noexcept { return reinterpret_cast<Slot*>(this + 1); }
-        size_t Own(uint32_t hash) const noexcept { return hash & (Capacity - 1); }
-        size_t Next(size_t at) const noexcept { return (at + 1) & (Capacity - 1); }
-        void Place(Slot slot) noexcept;
-        void Remove(uint32_t hash, const CACNodeImpl* child) noexcept;
     };
+
+    size_t OwnSlot(uint32_t hash) const noexcept { return hash & (Capacity - 1); }
+    size_t NextSlot(size_t at) const noexcept { return (at + 1) & (Capacity - 1); }
+    void Place(Slot slot) noexcept;
+    void Remove(uint32_t hash, const CACNodeImpl* child) noexcept;
 
     static Block* Allocate(size_t capacity);
     static void Free(Block* block) noexcept;
     void ReserveSlots(size_t count);
 
     Block* Lists = nullptr; // none before the first child
+    size_t Capacity = 0;    // of the slots, a power of two; here, where a search needs it first
 };
 
 } // namespace treevault

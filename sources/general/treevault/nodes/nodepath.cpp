@@ -51,13 +51,8 @@ PathRef MakePathLink(WideView name, const PathRef& parent) {
 
 namespace {
 
-// One link for all of the names, unless separators stand side by side between them.
-PathRef ParseNames(WideView names) {
-    constexpr WCHAR twoSeparators[] = {PathSeparator, PathSeparator};
-    if (names.empty())
-        return PathRef();
-    if (names.find(twoSeparators, 0, 2) == WideView::npos)
-        return PathRef::Make(names, PathRef());
+// A link for each of the names, between which separators may stand side by side.
+PathRef ChainOf(WideView names) {
     PathRef path;
     for (size_t begin = 0; begin < names.size();) {
         const size_t end = std::min(names.find(PathSeparator, begin), names.size());
@@ -74,12 +69,19 @@ PathRef ParsePath(WideView text) {
     if (text.empty() || text.front() != PathSeparator ||
         (text.size() > 1 && text.back() == PathSeparator))
         ThrowHr(TREEVAULT_E_INVALID_NAME);
-    if (text.size() == 1)
-        return PathRef();
-    const size_t first = text.find_first_not_of(PathSeparator);
-    const size_t name = text.rfind(PathSeparator) + 1;
-    const size_t end = first == name ? name : text.find_last_not_of(PathSeparator, name - 1) + 1;
-    return PathRef::Make(text.substr(name), ParseNames(text.substr(first, end - first)));
+    size_t last = 0;
+    bool isPlain = true; // no two separators stand side by side
+    for (size_t at = 1; at < text.size(); ++at)
+        if (text[at] == PathSeparator) {
+            isPlain = isPlain && at != last + 1;
+            last = at;
+        }
+    if (!isPlain || text.size() == 1)
+        return ChainOf(text);
+    PathRef above;
+    if (last != 0)
+        above = PathRef::Make(text.substr(1, last - 1), PathRef());
+    return PathRef::Make(text.substr(last + 1), std::move(above));
 }
 
 namespace {

@@ -42,9 +42,9 @@ private:
     NodePathLink* Link = nullptr;
 };
 
-// One step of a path, in one block with its name; above a node that was named by its path, all of
-// the steps as they stand in the text. Nodes and their descendants share it; it never changes while
-// they do.
+// One step of a path, in one block with its name; above a node that was named by its path, mostly
+// all of the steps as they stand in the text. Nodes and their descendants share it; it never
+// changes while they do.
 struct NodePathLink {
     PathRef ParentLink; // none at the top
     mutable std::atomic<uint32_t> Owners{1};

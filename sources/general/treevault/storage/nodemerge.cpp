@@ -207,39 +207,31 @@ bool NodeMerge::IsTaken(const AttributeTable& given, const AttributeEntry* oldEn
            !(oldEntry && EqualValues(*oldEntry, *entry));
 }
 
-// Whether the old entry goes without another in its place.
-bool NodeMerge::IsDropped(const AttributeTable& old, const AttributeEntry* oldEntry,
-                          const AttributeEntry* entry) const noexcept {
-    return !entry && ReplacesAttributes() && *old.Name(*oldEntry) != 0;
-}
-
-// The names are listed: what is set comes before what goes.
+// What is set comes before what goes.
 void NodeMerge::ListChanges(const AttributeTable& old, const AttributeTable& given) {
-    const auto list = [&](const WCHAR* name) {
-        if (ChangedNames.empty())
-            ChangedNames.reserve(0x40);
-        ChangedNames.append(name).push_back(0);
-    };
     AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
         if (IsTaken(given, oldEntry, entry))
-            list(given.Name(*entry));
+            Changes.push_back({given.Name(*entry), entry});
     });
     if (ReplacesAttributes())
         AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
-            if (IsDropped(old, oldEntry, entry))
-                list(old.Name(*oldEntry));
+            if (!entry && *old.Name(*oldEntry) != 0)
+                Changes.push_back({old.Name(*oldEntry), nullptr});
         });
 }
 
-// Changes the stored table as the names say; what the given one lacks goes.
-void NodeMerge::MakeChanges(AttributeTable& stored, const AttributeTable& given) const {
-    for (const WCHAR* name = ChangedNames.c_str(); *name != 0; name += WideLength(name) + 1) {
-        if (const AttributeEntry* const entry = given.Find(name))
-            stored.Set(name, entry->Type, entry->Value.Data(), entry->Value.Size(),
-                       AttributeModified);
-        else
-            stored.Erase(stored.Find(name));
+// What the table holds before goes to the undo list, and to those who are told, as a snapshot.
+void NodeMerge::KeepBefore(CACNodeImpl& existing, AttributeTable before) {
+    if (Storage.PvtIsObserved()) {
+        Snapshot = existing.MakeSnapshot(before);
+        for (const Change& change : Changes)
+            ChangedNames.append(change.Name).push_back(0);
     }
+    Group.AddUndo(CPendingOperations::MakeStep(
+        [stored = Ref<CACNodeImpl>::Share(&existing), table = std::move(before),
+         type = WideString(existing.TypeUnderLock())]() mutable {
+            stored->RestoreAttributes(std::move(table), type);
+        }));
 }
 
 // Nodes of the library are compared where their values lie. The given table is shared meanwhile, so
@@ -247,24 +239,27 @@ void NodeMerge::MakeChanges(AttributeTable& stored, const AttributeTable& given)
 void NodeMerge::MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& given) {
     const AttributeTable givenTable = given.GetAttributeTable();
     const LockGuard guard(existing.Lock);
-    const WideString oldType = existing.TypeUnderLock();
     ListChanges(existing.AttributesUnderLock(), givenTable);
-    if (!ChangedNames.empty()) {
-        AttributeTable old = existing.SplitAttributes();
-        if (Storage.PvtIsObserved())
-            Snapshot = existing.MakeSnapshot(old);
-        Group.AddUndo(CPendingOperations::MakeStep(
-            [stored = Ref<CACNodeImpl>::Share(&existing), table = std::move(old),
-             type = oldType]() mutable { stored->RestoreAttributes(std::move(table), type); }));
-        MakeChanges(existing.AttributesUnderLock(), givenTable);
+    if (!Changes.empty()) {
+        KeepBefore(existing, existing.SplitAttributes());
+        AttributeTable& stored = existing.AttributesUnderLock();
+        // The names of what goes lie in a block that a new entry may replace.
+        for (const auto& [name, entry] : Changes)
+            if (!entry)
+                stored.Erase(stored.Find(name));
+        for (const auto& [name, entry] : Changes)
+            if (entry)
+                stored.Set(name, entry->Type, entry->Value.Data(), entry->Value.Size(),
+                           AttributeModified);
     }
-    MergeType(&existing, oldType, given.GetTypeName());
+    MergeType(&existing, existing.TypeUnderLock(), given.GetTypeName());
 }
 
 // A change of type alone is neither undone nor told.
 void NodeMerge::MergeAttributes(const Ref<IACNode>& existing, const Ref<IACNode>& given) {
     Snapshot.Reset();
     ChangedNames.clear();
+    Changes.clear();
     const Ref<CACNodeImpl> ownExisting = CACNodeImpl::TryGetImpl(existing.Get());
     const Ref<CACNodeImpl> ownGiven =
         given && ownExisting ? CACNodeImpl::TryGetImpl(given.Get()) : Ref<CACNodeImpl>();
@@ -272,8 +267,7 @@ void NodeMerge::MergeAttributes(const Ref<IACNode>& existing, const Ref<IACNode>
         MergeOwnAttributes(*ownExisting, *ownGiven);
     else
         MergeForeignAttributes(existing.Get(), given.Get());
-    // No snapshot is taken where nobody is told.
-    if (!ChangedNames.empty() && Snapshot)
+    if (!ChangedNames.empty())
         Storage.PvtSignalModified(Snapshot.Get(), existing.Get(), ModifyNodeChanged,
                                   ChangedNames.c_str());
 }

@@ -31,6 +31,12 @@ private:
         Ref<IACNode> Stored;
     };
 
+    // An attribute that the stored node is to get, or to lose where there is no entry.
+    struct Change {
+        const WCHAR* Name;
+        const AttributeEntry* Entry;
+    };
+
     // Two nodes that have met, and how far their children are through.
     struct Level {
         Ref<IACNode> Existing;
@@ -48,10 +54,8 @@ private:
     void MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& given);
     bool IsTaken(const AttributeTable& given, const AttributeEntry* oldEntry,
                  const AttributeEntry* entry) const noexcept;
-    bool IsDropped(const AttributeTable& old, const AttributeEntry* oldEntry,
-                   const AttributeEntry* entry) const noexcept;
     void ListChanges(const AttributeTable& old, const AttributeTable& given);
-    void MakeChanges(AttributeTable& stored, const AttributeTable& given) const;
+    void KeepBefore(CACNodeImpl& existing, AttributeTable before);
     void MergeForeignAttributes(IACNode* existing, IACNode* given);
     void MergeAttribute(IACNode* existing, IACNode* given, const WCHAR* name);
     void ReplaceAttributes(IACNode* existing, IACNode* given);
@@ -67,9 +71,10 @@ private:
     bool AlreadyCloned;
     CPendingOperations& Group;
 
-    // Of the pair of nodes at work.
-    Ref<IACNode> Snapshot; // the stored node before its first change, for those who are told
-    WideText ChangedNames; // each changed attribute with its terminator
+    // Of the pair of nodes at work. The first two are for those who are told.
+    Ref<IACNode> Snapshot;       // the stored node before its first change
+    WideText ChangedNames;       // each changed attribute with its terminator
+    std::vector<Change> Changes; // where both are nodes of the library
 
     RawAttribute GivenValue;
     RawAttribute StoredValue;

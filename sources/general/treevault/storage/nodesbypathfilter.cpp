@@ -43,11 +43,15 @@ void CheckPath(const WideText& path) {
 
 CMemoryStorage::CNodesByPathFilter::CNodesByPathFilter(IACNode* filter, bool handOutStored)
     : HandOutStored(handOutStored), NodePath(ReadNodePath(filter)) {
+    // Most filters have but a path, and a node of the library tells so at once.
+    const Ref<CACNodeImpl> own = CACNodeImpl::TryGetImpl(filter);
+    const AttributeTable attributes = own ? own->GetAttributeTable() : AttributeTable();
+    const auto mayHave = [&](const WCHAR* name) { return !own || attributes.Find(name); };
     uint8_t isParent = 0;
-    if (ReadOptional(filter, TV_W("IsParent"), VtBool, isParent))
+    if (mayHave(TV_W("IsParent")) && ReadOptional(filter, TV_W("IsParent"), VtBool, isParent))
         IsParent = isParent != 0;
     int32_t maxDepth = 0;
-    if (ReadOptional(filter, TV_W("MaxDepth"), VtUInt32, maxDepth))
+    if (mayHave(TV_W("MaxDepth")) && ReadOptional(filter, TV_W("MaxDepth"), VtUInt32, maxDepth))
         MaxDepth = maxDepth;
     CheckPath(NodePath);
 }
