@@ -82,7 +82,7 @@ struct KnownSecond {
     Zone In;
     tm Split;
 };
-constinit thread_local KnownSecond knownSecond __attribute__((tls_model("initial-exec"))) = {};
+constinit thread_local KnownSecond knownSecond = {};
 
 // Null beyond the end of the calendar.
 const tm* SplitLocally(time_t moment) noexcept {
