@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Re-encoding of text values. ASCII goes straight to its place, without a buffer in between.
+// Re-encoding of text values. ASCII goes straight to its place, many characters at a time and
+// without a buffer in between.
 #include "general/treevault/values/reencoding.h"
 
 #include "common/errorhandling.h"
+#include "general/treevault/values/bytevectors.h"
 #include "general/treevault/values/values.h"
 #include "platform/encoding.h"
 
@@ -13,45 +15,38 @@ namespace treevault {
 
 namespace {
 
-constexpr size_t Stride = 32; // units that are looked at or moved together
-
-// In the width of the units, so that the compiler takes many of them at once.
-template <class Char>
-unsigned AllBits(const Char* text, size_t count) noexcept {
-    using Unit = std::make_unsigned_t<Char>;
-    Unit bits = 0;
-    for (size_t at = 0; at < count; ++at)
-        bits = static_cast<Unit>(bits | static_cast<Unit>(text[at]));
-    return bits;
+// Moves as many vectors of characters to `place`, if there is one. False, and nothing is moved,
+// where one of them is no ASCII.
+template <class To, size_t vectors, class From>
+bool MoveVectors(const From* text, uint8_t* place) noexcept {
+    ByteVector moved[vectors];
+    ByteVector others{};
+    for (size_t index = 0; index < vectors; ++index)
+        moved[index] = LoadAscii(text + index * VectorSize, others);
+    if (HasAnyBit(others))
+        return false;
+    for (size_t index = 0; place && index < vectors; ++index)
+        StoreAscii<To>(place + index * VectorSize * sizeof(To), moved[index]);
+    return true;
 }
 
-template <class Char>
-bool IsAscii(std::basic_string_view<Char> text) noexcept {
+// Moves the ASCII that a text begins with to `place`, if there is one, and tells how much that is.
+template <class To, class From>
+size_t MoveAscii(std::basic_string_view<From> text, uint8_t* place) noexcept {
+    const auto placeOf = [&](size_t at) { return place ? place + at * sizeof(To) : nullptr; };
     size_t at = 0;
-    for (; text.size() - at >= Stride; at += Stride) {
-        if (AllBits(text.data() + at, Stride) > 0x7F)
-            return false;
-    }
-    return AllBits(text.data() + at, text.size() - at) <= 0x7F;
-}
-
-template <class To, class From>
-void MoveUnits(uint8_t* place, const From* text, size_t count) noexcept {
-    for (size_t at = 0; at < count; ++at) {
+    for (; text.size() - at >= 4 * VectorSize; at += 4 * VectorSize)
+        if (!MoveVectors<To, 4>(text.data() + at, placeOf(at)))
+            break;
+    for (; text.size() - at >= VectorSize; at += VectorSize)
+        if (!MoveVectors<To, 1>(text.data() + at, placeOf(at)))
+            break;
+    for (; at < text.size() && (text[at] & ~0x7F) == 0; ++at) {
         const To unit = static_cast<To>(text[at]);
-        std::memcpy(place + at * sizeof(To), &unit, sizeof unit);
+        if (place)
+            std::memcpy(place + at * sizeof(To), &unit, sizeof unit);
     }
-}
-
-// Goes through local blocks, which the compiler knows to lie apart.
-template <class To, class From>
-void MoveStride(uint8_t* place, const From* text) noexcept {
-    From block[Stride];
-    std::memcpy(block, text, sizeof block);
-    To moved[Stride];
-    for (size_t at = 0; at < Stride; ++at)
-        moved[at] = static_cast<To>(block[at]);
-    std::memcpy(place, moved, sizeof moved);
+    return at;
 }
 
 // Gives the place of `units` of the target.
@@ -63,15 +58,17 @@ uint8_t* TakeText(OutputCursor& out, size_t units) {
     return out.Take(size);
 }
 
+// False where the text is not ASCII. In one pass if there is room for whatever the text is: the
+// ASCII that it begins with may be written ahead then. `most` is the size that a unit can take.
 template <class To, class From>
-void WriteAscii(std::basic_string_view<From> text, OutputCursor& out) {
+bool WriteAscii(std::basic_string_view<From> text, size_t most, OutputCursor& out) {
+    uint8_t* const ahead = out.Room(text.size() * most);
+    if (MoveAscii<To>(text, ahead) != text.size())
+        return false;
     uint8_t* const place = TakeText<To>(out, text.size());
-    if (!place)
-        return;
-    size_t at = 0;
-    for (; text.size() - at >= Stride; at += Stride)
-        MoveStride<To>(place + at * sizeof(To), text.data() + at);
-    MoveUnits<To>(place + at * sizeof(To), text.data() + at, text.size() - at);
+    if (place && !ahead)
+        MoveAscii<To>(text, place);
+    return true;
 }
 
 // `append` encodes into a string of the target.
@@ -91,16 +88,12 @@ void WriteEncoded(OutputCursor& out, Append&& append) {
 } // namespace
 
 void WriteAsWide(std::string_view utf8, OutputCursor& out) {
-    if (IsAscii(utf8))
-        WriteAscii<WCHAR>(utf8, out);
-    else
+    if (!WriteAscii<WCHAR>(utf8, sizeof(WCHAR), out))
         WriteEncoded<WideText>(out, [&](WideText& text) { AppendWide(utf8, text); });
 }
 
 void WriteAsNarrow(WideView wide, OutputCursor& out) {
-    if (IsAscii(wide))
-        WriteAscii<char>(wide, out);
-    else
+    if (!WriteAscii<char>(wide, 3, out))
         WriteEncoded<std::string>(out, [&](std::string& text) { AppendUtf8(wide, text); });
 }
 

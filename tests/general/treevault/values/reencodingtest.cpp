@@ -30,10 +30,29 @@ TEST(Reencoding, EveryLengthOfASequence) {
                    Units({'g', 'r', 0xFC, 0xDF, ' ', 0x20AC, ' ', 0xD83C, 0xDF33, '!'}));
 }
 
-// Around the sizes at which blocks and buffers end, all ASCII and with one other character
-// anywhere.
-TEST(Reencoding, EveryLength) {
-    for (const size_t length : {1u, 7u, 8u, 63u, 64u, 65u, 99u, 100u, 127u, 128u, 129u, 1000u}) {
+// ASCII is moved many characters at a time: all lengths that a few blocks make, alone and with one
+// other character anywhere.
+TEST(Reencoding, EveryLengthWithAnotherCharacterAnywhere) {
+    for (size_t length = 1; length <= 100; ++length) {
+        std::string ascii;
+        for (size_t at = 0; at < length; ++at)
+            ascii += static_cast<char>(1 + (at * 7 + length) % 127);
+        const Bytes wide = U(ascii).substr(0, length * sizeof(WCHAR));
+        ExpectBothWays(ascii, wide);
+        for (size_t at = 0; at < length; ++at) {
+            std::string text = ascii;
+            text.replace(at, 1, at % 2 == 0 ? "\xE2\x82\xAC" : "\xC4\x80");
+            Bytes units = wide;
+            units.replace(at * sizeof(WCHAR), sizeof(WCHAR),
+                          Units({at % 2 == 0 ? 0x20ACu : 0x0100u}));
+            ExpectBothWays(text, units);
+        }
+    }
+}
+
+// Around the sizes at which buffers end.
+TEST(Reencoding, LongTexts) {
+    for (const size_t length : {127u, 128u, 129u, 1000u, 1023u, 1024u, 1025u}) {
         const std::string ascii(length, 'x');
         const Bytes wide = U(ascii).substr(0, length * sizeof(WCHAR));
         ExpectBothWays(ascii, wide);

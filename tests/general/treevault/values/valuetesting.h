@@ -115,8 +115,8 @@ struct Attempt {
     Bytes Buffer;
 };
 
-// The conversion gives exactly `expected`: it tells the size, fits, counts, and refuses less, and
-// touches no record.
+// The conversion gives exactly `expected`: it tells the size, fits, counts, and refuses less,
+// writes nothing behind it, and touches no record.
 inline void ExpectConverts(const Value& source, ValueType target, const Bytes& expected) {
     SCOPED_TRACE(Describe(source, target));
     const void* data = source.Data.get();
@@ -136,6 +136,11 @@ inline void ExpectConverts(const Value& source, ValueType target, const Bytes& e
     EXPECT_EQ(CodeText(S_OK), CodeText(fitting.Code));
     EXPECT_EQ(needed, fitting.Size);
     EXPECT_EQ(expected, fitting.Buffer);
+
+    const Attempt ample(source, target, 3 * needed + 1);
+    EXPECT_EQ(CodeText(S_OK), CodeText(ample.Code));
+    EXPECT_EQ(needed, ample.Size);
+    EXPECT_EQ(expected + Bytes(2 * needed + 1, '?'), ample.Buffer) << "with room to spare";
 
     if (needed != 0) {
         const Attempt small(source, target, needed - 1);
