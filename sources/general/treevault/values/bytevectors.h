@@ -73,6 +73,19 @@ void StoreAscii(uint8_t* to, ByteVector text) noexcept {
         StoreInTurn(to, text, ByteVector{});
 }
 
+// The values of sixteen hexadecimal digits. What is no digit sets bits in `others`.
+inline ByteVector HexValues(ByteVector text, ByteVector& others) noexcept {
+    const auto isDecimal = reinterpret_cast<ByteVector>(text - '0' < 10);
+    const auto isLetter = reinterpret_cast<ByteVector>((text | 0x20) - 'a' < 6);
+    others |= ~(isDecimal | isLetter);
+    return (text & 15) + (isLetter & 9);
+}
+
+// Sixteen bytes from the values of their digits, of which the first is the high one.
+inline ByteVector JoinHexValues(ByteVector first, ByteVector second) noexcept {
+    return EvenBytes(first, second) << 4 | OddBytes(first, second);
+}
+
 } // namespace treevault
 
 #endif

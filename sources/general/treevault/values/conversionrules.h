@@ -144,7 +144,7 @@ void Convert(TextElement<Char> text, Into<BinaryElement>, OutputCursor& out) {
 template <class Char>
 void Convert(TextElement<Char> text, Into<GUID>, OutputCursor& out) {
     GUID value;
-    Require(SUCCEEDED(StringToGuid(text.Units, value)));
+    Require(SUCCEEDED(StringToGuid(text.Units, text.Size, value)));
     out.WriteObject(value);
 }
 

@@ -2,6 +2,8 @@
 // Reading of booleans and identifiers.
 #include "general/treevault/values/textforms.h"
 
+#include "general/treevault/values/bytevectors.h"
+
 namespace treevault {
 
 namespace {
@@ -70,6 +72,33 @@ private:
     bool Matches = true;
 };
 
+// The form in which this library writes them, from the first digit on: all digits and dashes where
+// they are due. False for any other text.
+template <class Char>
+bool ReadWrittenGuid(const Char* text, GUID& guid) noexcept {
+    if (text[8] != '-' || text[13] != '-' || text[18] != '-' || text[23] != '-')
+        return false;
+    constexpr size_t group = 4;
+    Char digits[2 * VectorSize];
+    Char* to = digits;
+    for (const size_t from : {0, 4, 9, 14, 19, 24, 28, 32}) {
+        std::memcpy(to, text + from, group * sizeof(Char));
+        to += group;
+    }
+    ByteVector others{};
+    const ByteVector first = HexValues(LoadAscii(digits, others), others);
+    const ByteVector second = HexValues(LoadAscii(digits + VectorSize, others), others);
+    if (HasAnyBit(others))
+        return false;
+    uint8_t bytes[sizeof(GUID)];
+    StoreBytes(bytes, JoinHexValues(first, second));
+    guid.Data1 = static_cast<uint32_t>(bytes[0] << 24 | bytes[1] << 16 | bytes[2] << 8 | bytes[3]);
+    guid.Data2 = static_cast<uint16_t>(bytes[4] << 8 | bytes[5]);
+    guid.Data3 = static_cast<uint16_t>(bytes[6] << 8 | bytes[7]);
+    std::memcpy(guid.Data4, bytes + 8, sizeof guid.Data4);
+    return true;
+}
+
 } // namespace
 
 template <class Char>
@@ -90,16 +119,19 @@ bool ParseBool(const Char* text, bool& value) noexcept {
 }
 
 template <class Char>
-HRESULT StringToGuid(const Char* text, GUID& guid) noexcept {
+HRESULT StringToGuid(const Char* text, size_t size, GUID& guid) noexcept {
     if (!text)
         return E_INVALIDARG;
+    const size_t brace = *text == '{' ? 1 : 0;
+    if (size > brace + GuidTextLength && ReadWrittenGuid(text + brace, guid))
+        return S_OK;
     const bool dashes = Contains(text, '-');
     FieldScanner<Char> scan(text);
     const auto dash = [&] {
         if (dashes)
             scan.Literal('-');
     };
-    if (dashes && *text == '{')
+    if (dashes && brace != 0)
         scan.Literal('{');
     GUID read;
     read.Data1 = scan.Field(8);
@@ -121,7 +153,7 @@ HRESULT StringToGuid(const Char* text, GUID& guid) noexcept {
 
 template bool ParseBool(const char*, bool&) noexcept;
 template bool ParseBool(const WCHAR*, bool&) noexcept;
-template HRESULT StringToGuid(const char*, GUID&) noexcept;
-template HRESULT StringToGuid(const WCHAR*, GUID&) noexcept;
+template HRESULT StringToGuid(const char*, size_t, GUID&) noexcept;
+template HRESULT StringToGuid(const WCHAR*, size_t, GUID&) noexcept;
 
 } // namespace treevault

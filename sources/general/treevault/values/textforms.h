@@ -85,14 +85,15 @@ bool ParseBool(const Char* text, bool& value) noexcept;
 
 // With braces and dashes, with dashes, or digits alone; what follows the last digit is ignored.
 // Each group of digits is read as a scan with a field width reads it: white space, a sign and "0x"
-// may stand before the digits. E_INVALIDARG for any other text and for null.
+// may stand before the digits. E_INVALIDARG for any other text and for null. Of `size` characters
+// the last is NUL, which need not be the first one.
 template <class Char>
-HRESULT StringToGuid(const Char* text, GUID& guid) noexcept;
+HRESULT StringToGuid(const Char* text, size_t size, GUID& guid) noexcept;
 
 extern template bool ParseBool(const char*, bool&) noexcept;
 extern template bool ParseBool(const WCHAR*, bool&) noexcept;
-extern template HRESULT StringToGuid(const char*, GUID&) noexcept;
-extern template HRESULT StringToGuid(const WCHAR*, GUID&) noexcept;
+extern template HRESULT StringToGuid(const char*, size_t, GUID&) noexcept;
+extern template HRESULT StringToGuid(const WCHAR*, size_t, GUID&) noexcept;
 
 } // namespace treevault
 

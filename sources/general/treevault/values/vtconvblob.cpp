@@ -6,6 +6,7 @@
 #include "common/errorhandling.h"
 #include "common/hextext.h"
 #include "common/numbers.h"
+#include "general/treevault/values/bytevectors.h"
 #include "general/treevault/values/values.h"
 
 #include <algorithm>
@@ -84,48 +85,42 @@ bool DecodeHex(View<Char> text, ByteSink& sink) noexcept {
     return at == text.size() || IsSpace(text[at]);
 }
 
-// Digits of which nothing needs to be looked up, as many as the compiler likes to take at once.
-constexpr size_t HexBlock = 32;
-
 template <class Char>
-bool AreHexDigits(const Char* text, size_t count) noexcept {
-    using Unit = std::make_unsigned_t<Char>;
-    Unit others = 0;
-    for (size_t at = 0; at < count; ++at) {
-        const auto unit = static_cast<Unit>(text[at]);
-        const auto decimal = static_cast<Unit>(unit - '0');
-        const auto letter = static_cast<Unit>((unit | 0x20) - 'a');
-        others = static_cast<Unit>(others | static_cast<Unit>(decimal > 9 && letter > 5));
-    }
-    return others == 0;
+bool AreHexDigits(View<Char> text) noexcept {
+    ByteVector others{};
+    size_t at = 0;
+    for (; text.size() - at >= VectorSize; at += VectorSize)
+        HexValues(LoadAscii(text.data() + at, others), others);
+    uint8_t rest = 0;
+    for (; at < text.size(); ++at)
+        rest |= DigitOf(HexTable, text[at]);
+    return !HasAnyBit(others) && rest <= 15;
 }
 
-// Of characters that are digits.
+// Of characters that are digits, in pairs.
 template <class Char>
-void PutHexBytes(const Char* text, size_t count, uint8_t* place) noexcept {
-    const auto value = [](Char c) { return static_cast<uint8_t>((c & 15) + 9 * (c >> 6)); };
-    for (size_t at = 0; at < count; ++at)
-        place[at] = static_cast<uint8_t>(value(text[2 * at]) << 4 | value(text[2 * at + 1]));
+void PutHexBytes(View<Char> text, uint8_t* place) noexcept {
+    ByteVector others{}; // there are none
+    size_t at = 0;
+    for (; text.size() - at >= 2 * VectorSize; at += 2 * VectorSize) {
+        const Char* const digits = text.data() + at;
+        const ByteVector first = HexValues(LoadAscii(digits, others), others);
+        const ByteVector second = HexValues(LoadAscii(digits + VectorSize, others), others);
+        StoreBytes(place + at / 2, JoinHexValues(first, second));
+    }
+    for (; at < text.size(); at += 2)
+        place[at / 2] = static_cast<uint8_t>(DigitOf(HexTable, text[at]) << 4 |
+                                             DigitOf(HexTable, text[at + 1]));
 }
 
 // The form in which this library writes them: pairs of digits and nothing else. False for any other
 // text, which may be well-formed all the same.
 template <class Char>
 bool DecodePlainHex(View<Char> text, OutputCursor& out) {
-    if (text.size() % 2 != 0)
+    if (text.size() % 2 != 0 || !AreHexDigits(text))
         return false;
-    size_t at = 0;
-    for (; text.size() - at >= HexBlock; at += HexBlock)
-        if (!AreHexDigits(text.data() + at, HexBlock))
-            return false;
-    if (!AreHexDigits(text.data() + at, text.size() - at))
-        return false;
-    uint8_t* const place = out.Take(text.size() / 2);
-    if (!place)
-        return true;
-    for (at = 0; text.size() - at >= HexBlock; at += HexBlock)
-        PutHexBytes(text.data() + at, HexBlock / 2, place + at / 2);
-    PutHexBytes(text.data() + at, (text.size() - at) / 2, place + at / 2);
+    if (uint8_t* const place = out.Take(text.size() / 2))
+        PutHexBytes(text, place);
     return true;
 }
 
@@ -232,6 +227,32 @@ void Decode(View<Char> text, OutputCursor& out) {
 
 } // namespace
 
+namespace {
+
+ByteVector HexDigits(ByteVector values) noexcept {
+    const auto isLetter = reinterpret_cast<ByteVector>(values > 9);
+    return values + '0' + (isLetter & ('a' - '9' - 1));
+}
+
+// Writes two digits for each byte and gives their end.
+template <class Char>
+uint8_t* PutHex(const uint8_t* bytes, uint64_t size, uint8_t* to) noexcept {
+    constexpr size_t pairSize = 2 * sizeof(Char);
+    uint64_t at = 0;
+    for (; size - at >= VectorSize; at += VectorSize) {
+        const ByteVector block = LoadBytes(bytes + at);
+        uint8_t digits[2 * VectorSize];
+        StoreInTurn(digits, HexDigits(block >> 4), HexDigits(block & 15));
+        for (const size_t half : {size_t{0}, VectorSize})
+            StoreAscii<Char>(to + at * pairSize + half * sizeof(Char), LoadBytes(digits + half));
+    }
+    for (; at < size; ++at)
+        std::memcpy(to + at * pairSize, LowerHexPairs<Char>[bytes[at]].data(), pairSize);
+    return to + size * pairSize;
+}
+
+} // namespace
+
 template <class Char>
 void BinaryToString(const void* data, uint64_t size, OutputCursor& out) {
     constexpr Char prefix[PrefixLength] = {'H', 'E', 'X', ':'};
@@ -239,18 +260,13 @@ void BinaryToString(const void* data, uint64_t size, OutputCursor& out) {
     const uint64_t total = (PrefixLength + 2 * size + 1) * sizeof(Char);
     if (total > MaximumValueSize)
         ThrowHr(E_INVALIDARG);
-    uint8_t* at = out.Take(total);
-    if (!at)
+    uint8_t* const place = out.Take(total);
+    if (!place)
         return;
-    std::memcpy(at, prefix, sizeof prefix);
-    at += sizeof prefix;
-    const auto* bytes = static_cast<const uint8_t*>(data);
-    for (const uint8_t* const end = bytes + size; bytes != end; ++bytes) {
-        constexpr size_t pairSize = 2 * sizeof(Char);
-        std::memcpy(at, LowerHexPairs<Char>[*bytes].data(), pairSize);
-        at += pairSize;
-    }
-    std::memcpy(at, &terminator, sizeof terminator);
+    std::memcpy(place, prefix, sizeof prefix);
+    uint8_t* const end =
+        PutHex<Char>(static_cast<const uint8_t*>(data), size, place + sizeof prefix);
+    std::memcpy(end, &terminator, sizeof terminator);
 }
 
 template <class Char>

@@ -130,26 +130,32 @@ TEST(BinaryText, OtherUnitsAreNoDigits) {
 }
 
 // Digits are taken many at a time: whatever the length, and wherever something else stands.
-TEST(BinaryText, HexOfEveryLengthWithOneWrongUnitAnywhere) {
-    for (size_t length = 0; length <= 40; ++length) {
+TEST(BinaryText, HexOfEveryLengthWithOneOtherUnitAnywhere) {
+    constexpr std::string_view wrong = "/:@G`g\x7F\xB0";
+    for (size_t length = 0; length <= 50; ++length) {
         Bytes bytes;
-        std::string text = "HEX:";
+        std::string text = "HEX:", written = "HEX:";
         for (size_t at = 0; at < length; ++at) {
             const auto value = static_cast<unsigned char>(at * 37 + length);
             bytes += static_cast<char>(value);
             text += "0123456789aBcDeF"[value >> 4];
             text += "0123456789AbCdEf"[value & 15];
+            written += "0123456789abcdef"[value >> 4];
+            written += "0123456789abcdef"[value & 15];
         }
         ExpectBinary(text, bytes);
-        for (size_t at = 4; at < text.size(); at += 3) {
-            for (const char wrong : {'/', ':', '@', 'G', '`', 'g', '\x7F'}) {
-                std::string broken = text;
-                broken[at] = wrong;
-                ExpectBinary(broken, X);
-            }
+        ExpectConverts(Value(VtBinary, bytes), VtStringA, A(written));
+        ExpectConverts(Value(VtBinary, bytes), VtStringW, U(written));
+        for (size_t at = 4; at < text.size(); ++at) {
+            std::string broken = text;
+            broken[at] = wrong[(at + length) % wrong.size()];
+            ExpectOutcome(Value(VtStringA, A(broken)), VtBinary, X);
             Bytes wide = U(text);
-            wide[2 * at + 1] = 1; // the high byte of a digit
+            wide[2 * at + 1] = static_cast<char>(1 << at % 8); // the high byte of a digit
             ExpectOutcome(Value(VtStringW, wide), VtBinary, X);
+            std::string spaced = text;
+            spaced.insert(at, 1, ' ');
+            ExpectBinary(spaced, at % 2 == 0 ? Outcome(bytes) : X);
         }
     }
 }

@@ -103,6 +103,32 @@ TEST(GuidText, SignsAndPrefixesMayStandBeforeDigits) {
     ExpectGuid("1-2-3--0x4 5-6 7 8 9 a b", X);
 }
 
+// The written form is taken at once. Something else in any place is found all the same.
+TEST(GuidText, TheWrittenFormWithOneOtherCharacterAnywhere) {
+    constexpr std::string_view wrong = "/:@G`g\x7F";
+    const std::string inner = "01234567-89aB-CdEf-8899-AabBcCdDeEfF";
+    const Bytes guid =
+        GuidOf(0x01234567, 0x89AB, 0xCDEF, {0x88, 0x99, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF});
+    for (const std::string brace : {"", "{"}) {
+        ExpectGuid(brace + inner, guid);
+        for (size_t at = 0; at + 1 < inner.size(); ++at) {
+            std::string broken = inner;
+            broken[at] = wrong[at % wrong.size()];
+            ExpectGuid(brace + broken, X);
+            Bytes wide = U(brace + inner);
+            wide[2 * (brace.size() + at) + 1] = static_cast<char>(1 << at % 8); // a high byte
+            ExpectFails(Value(VtStringW, wide), VtGuid, CannotConvert);
+            // Nothing is read behind the end.
+            ExpectGuid(brace + inner.substr(0, at), X);
+        }
+        // Of the last group one digit is enough.
+        const Bytes shorter =
+            GuidOf(0x01234567, 0x89AB, 0xCDEF, {0x88, 0x99, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xF});
+        ExpectGuid(brace + inner.substr(0, inner.size() - 1), shorter);
+        ExpectGuid(brace + inner.substr(0, inner.size() - 1) + "g", shorter);
+    }
+}
+
 TEST(GuidText, IsReadUpToItsFirstNul) {
     using namespace std::string_view_literals;
     ExpectConverts(Value(VtStringA, A("00112233445566778899aabbccddeeff\0-"sv)), VtGuid, Sample);
