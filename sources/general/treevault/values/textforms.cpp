@@ -81,7 +81,7 @@ bool ReadWrittenGuid(const Char* text, GUID& guid) noexcept {
     constexpr size_t group = 4;
     Char digits[2 * VectorSize];
     Char* to = digits;
-    for (const size_t from : {0, 4, 9, 14, 19, 24, 28, 32}) {
+    for (const size_t from : {0u, 4u, 9u, 14u, 19u, 24u, 28u, 32u}) {
         std::memcpy(to, text + from, group * sizeof(Char));
         to += group;
     }
