@@ -2,6 +2,9 @@
 // The printer: one pass over the elements, one over each value.
 #include "general/treevault/xml/xmlprinter.h"
 
+#include "general/treevault/values/bytevectors.h"
+#include "general/treevault/values/outputcursor.h"
+
 #include <array>
 #include <cstdint>
 
@@ -37,6 +40,52 @@ uint8_t KindsIn(std::string_view text) noexcept {
     for (const char byte : text)
         kinds |= KindOf(byte);
     return kinds;
+}
+
+// Bits for the bytes that do not stand for themselves in double quotes.
+ByteVector MarkupIn(ByteVector bytes) noexcept {
+    // "<" and ">" differ in one bit, and so do the double quote and "&".
+    return reinterpret_cast<ByteVector>((bytes < 0x20) | ((bytes | 2) == '>') |
+                                        ((bytes | 4) == '&'));
+}
+
+// Copies a text that takes one to two words, as two words that may overlap.
+template <class Word>
+ByteVector CopyWords(std::string_view text, char* to) noexcept {
+    using Words [[gnu::vector_size(VectorSize)]] = Word;
+    const size_t last = text.size() - sizeof(Word);
+    Word words[2];
+    std::memcpy(&words[0], text.data(), sizeof(Word));
+    std::memcpy(&words[1], text.data() + last, sizeof(Word));
+    std::memcpy(to, &words[0], sizeof(Word));
+    std::memcpy(to + last, &words[1], sizeof(Word));
+    Words both = Words{} + words[0];
+    both[1] = words[1];
+    return reinterpret_cast<ByteVector>(both);
+}
+
+ByteVector CopyVector(const char* from, char* to) noexcept {
+    const ByteVector bytes = LoadBytes(from);
+    StoreBytes(to, bytes);
+    return bytes;
+}
+
+// Copies a text and tells whether all of it stands for itself in double quotes.
+bool CopyPlain(std::string_view text, char* to) noexcept {
+    if (text.size() < sizeof(uint32_t)) {
+        for (size_t at = 0; at < text.size(); ++at)
+            to[at] = text[at];
+        return !(KindsIn(text) & (Escaped | DoubleQuote));
+    }
+    if (text.size() < sizeof(uint64_t))
+        return !HasAnyBit(MarkupIn(CopyWords<uint32_t>(text, to)));
+    if (text.size() < VectorSize)
+        return !HasAnyBit(MarkupIn(CopyWords<uint64_t>(text, to)));
+    const size_t last = text.size() - VectorSize;
+    ByteVector markup = MarkupIn(CopyVector(text.data() + last, to + last));
+    for (size_t at = 0; at < last; at += VectorSize)
+        markup |= MarkupIn(CopyVector(text.data() + at, to + at));
+    return !HasAnyBit(markup);
 }
 
 std::string_view NameOf(const rapidxml::xml_base<char>& item) noexcept {
@@ -75,30 +124,34 @@ void AppendEscaped(std::string_view text, uint8_t kinds, OutputBuffer& output) {
 }
 
 char* Copy(std::string_view text, char* to) noexcept {
-    std::memcpy(to, text.data(), text.size());
+    CopyBytes(reinterpret_cast<uint8_t*>(to), text.data(), text.size());
     return to + text.size();
+}
+
+void PrintQuoted(std::string_view value, OutputBuffer& output) {
+    const bool single = (KindsIn(value) & DoubleQuote) != 0;
+    const char quote = single ? '\'' : '"';
+    output.Append(1, quote);
+    AppendEscaped(value, single ? Escaped | SingleQuote : Escaped, output);
+    output.Append(1, quote);
 }
 
 void PrintAttribute(const Attribute& attribute, OutputBuffer& output) {
     const std::string_view name = NameOf(attribute);
     const std::string_view value(attribute.value(), attribute.value_size());
-    const uint8_t kinds = KindsIn(value);
-    const char quote = kinds & DoubleQuote ? '\'' : '"';
-    const bool plain = !(kinds & (Escaped | DoubleQuote));
     char* at = output.Room(name.size() + value.size() + 4); // a blank, "=" and the quotes
     *at++ = ' ';
     at = Copy(name, at);
     *at++ = '=';
-    *at++ = quote;
-    if (plain) {
-        at = Copy(value, at);
-        *at++ = quote;
+    if (!CopyPlain(value, at + 1)) {
         output.Commit(at);
+        PrintQuoted(value, output);
         return;
     }
+    *at = '"';
+    at += value.size() + 1;
+    *at++ = '"';
     output.Commit(at);
-    AppendEscaped(value, quote == '"' ? Escaped : Escaped | SingleQuote, output);
-    output.Append(1, quote);
 }
 
 class Printer {
