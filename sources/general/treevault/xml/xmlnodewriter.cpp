@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// From nodes to elements: `n` for a node, `a` for an attribute, `v` for an element of an array.
+// From nodes to elements: `n` for a node, `a` for an attribute, `v` for an element of an array. An
+// element keeps its attributes as they are to be printed: that is half the memory to go through.
 #include "general/treevault/xml/xmlnodewriter.h"
 
 #include "common/errorhandling.h"
@@ -21,37 +22,37 @@ std::string_view StringText(const char* text, uint64_t size) noexcept {
 } // namespace
 
 XmlNodeWriter::XmlNodeWriter(NodeTextWriteCallback write, void* writeContext, uint32_t flags)
-    : Write(write), WriteContext(writeContext), Flags(flags), Root(NewElement("nr")), Current(Root),
-      Output(1024) {
+    : Write(write), WriteContext(writeContext), Flags(flags),
+      Root(Document.allocate_node(rapidxml::node_element, "nr")), Current(Root), Output(1024) {
     Document.append_node(Root);
 }
 
 void XmlNodeWriter::BeginNode(IACNode*, WideView name, WideView type) {
-    Element* const element = NewElement("n");
+    BeginTag("n");
     if (!name.empty())
-        AddAttribute(*element, "n", name);
+        AddAttribute('n', name);
     if (!type.empty())
-        AddAttribute(*element, "t", type);
+        AddAttribute('t', type);
+    Element* const element = ElementOfTag();
     Current->append_node(element);
     Current = element;
 }
 
 void XmlNodeWriter::Attribute(IACNode*, WideView name, const ValueView& value,
                               ValueType storedType) {
-    Element* const element = NewElement("a");
-    AddAttribute(*element, "n", name);
-    if (storedType != VtEmpty) {
-        if (!(Flags & NodeSerializerFlagNoValueTypes) && storedType != VtStringA) {
-            char digits[5];
-            const char* const end = std::to_chars(digits, std::end(digits), storedType).ptr;
-            AddAttribute(*element, "t", {digits, static_cast<size_t>(end - digits)});
-        }
-        if (IsArray(value.Type))
-            AddArray(*element, value);
-        else
-            AddAttribute(*element, "v",
-                         StringText(static_cast<const char*>(value.Data), value.Size));
+    BeginTag("a");
+    AddAttribute('n', name);
+    if (storedType != VtEmpty && storedType != VtStringA &&
+        !(Flags & NodeSerializerFlagNoValueTypes)) {
+        char digits[5];
+        const char* const end = std::to_chars(digits, std::end(digits), storedType).ptr;
+        AppendAttribute('t', {digits, static_cast<size_t>(end - digits)}, Tag);
     }
+    if (storedType != VtEmpty && !IsArray(value.Type))
+        AppendAttribute('v', StringText(static_cast<const char*>(value.Data), value.Size), Tag);
+    Element* const element = ElementOfTag();
+    if (IsArray(value.Type))
+        AddArray(*element, value);
     Current->append_node(element);
 }
 
@@ -71,25 +72,21 @@ void XmlNodeWriter::Finalize() {
     HRES hr = Write(Output.Data(), Output.Size(), WriteContext);
 }
 
-XmlNodeWriter::Element* XmlNodeWriter::NewElement(std::string_view name) {
-    return Document.allocate_node(rapidxml::node_element, name.data(), nullptr, name.size());
+void XmlNodeWriter::BeginTag(std::string_view name) {
+    Tag.Clear();
+    Tag.Append(name);
 }
 
-void XmlNodeWriter::AddAttribute(Element& element, std::string_view name, std::string_view value) {
-    rapidxml::xml_attribute<char>* const attribute =
-        Document.allocate_attribute(name.data(), nullptr, name.size());
-    if (!value.empty()) {
-        char* const copy = Document.allocate_string(nullptr, value.size());
-        std::memcpy(copy, value.data(), value.size());
-        attribute->value(copy, value.size());
-    }
-    element.append_attribute(attribute);
-}
-
-void XmlNodeWriter::AddAttribute(Element& element, std::string_view name, WideView value) {
+void XmlNodeWriter::AddAttribute(char name, WideView value) {
     Utf8.clear();
     AppendUtf8(value, Utf8);
-    AddAttribute(element, name, std::string_view(Utf8));
+    AppendAttribute(name, Utf8, Tag);
+}
+
+XmlNodeWriter::Element* XmlNodeWriter::ElementOfTag() {
+    char* const copy = Document.allocate_string(nullptr, Tag.Size());
+    std::memcpy(copy, Tag.Data(), Tag.Size());
+    return Document.allocate_node(rapidxml::node_element, copy, nullptr, Tag.Size());
 }
 
 void XmlNodeWriter::AddArray(Element& element, const ValueView& value) {
@@ -99,9 +96,9 @@ void XmlNodeWriter::AddArray(Element& element, const ValueView& value) {
         const uint64_t size = std::strlen(at) + 1;
         if (size > 0xFFFFFFFFu)
             ThrowHr(E_INVALIDARG);
-        Element* const child = NewElement("v");
-        AddAttribute(*child, "v", StringText(at, size));
-        element.append_node(child);
+        BeginTag("v");
+        AppendAttribute('v', StringText(at, size), Tag);
+        element.append_node(ElementOfTag());
         at += size;
     }
 }

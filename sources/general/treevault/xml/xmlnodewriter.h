@@ -37,17 +37,17 @@ public:
 private:
     using Element = rapidxml::xml_node<char>;
 
-    Element* NewElement(std::string_view name);
-
-    // Adds an attribute whose value is copied. `name` must be a literal.
-    void AddAttribute(Element& element, std::string_view name, std::string_view value);
-    void AddAttribute(Element& element, std::string_view name, WideView value);
+    // Begins the start tag of an element; it becomes one when its attributes are there.
+    void BeginTag(std::string_view name);
+    void AddAttribute(char name, WideView value);
+    Element* ElementOfTag();
     void AddArray(Element& element, const ValueView& value);
 
     NodeTextWriteCallback const Write;
     void* const WriteContext;
     const uint32_t Flags;
     rapidxml::xml_document<char> Document;
+    OutputBuffer Tag{256};
     Element* const Root;
     Element* Current; // takes the next child
     OutputBuffer Output;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The printer: one pass over the elements, one over each value.
+// The printer: one pass over the elements, one over each value that has no markup.
 #include "general/treevault/xml/xmlprinter.h"
 
 #include "general/treevault/values/bytevectors.h"
@@ -13,7 +13,6 @@ namespace treevault {
 namespace {
 
 using Element = rapidxml::xml_node<char>;
-using Attribute = rapidxml::xml_attribute<char>;
 
 // What a byte of a value means to the printer, as bits.
 enum : uint8_t { Escaped = 1, DoubleQuote = 2, SingleQuote = 4 };
@@ -88,8 +87,13 @@ bool CopyPlain(std::string_view text, char* to) noexcept {
     return !HasAnyBit(markup);
 }
 
-std::string_view NameOf(const rapidxml::xml_base<char>& item) noexcept {
-    return {item.name(), item.name_size()};
+std::string_view StartTagOf(const Element& element) noexcept {
+    return {element.name(), element.name_size()};
+}
+
+std::string_view NameOf(const Element& element) noexcept {
+    const std::string_view tag = StartTagOf(element);
+    return tag.substr(0, tag.find(' '));
 }
 
 void AppendEscape(char byte, OutputBuffer& output) {
@@ -128,30 +132,12 @@ char* Copy(std::string_view text, char* to) noexcept {
     return to + text.size();
 }
 
-void PrintQuoted(std::string_view value, OutputBuffer& output) {
+void AppendQuoted(std::string_view value, OutputBuffer& output) {
     const bool single = (KindsIn(value) & DoubleQuote) != 0;
     const char quote = single ? '\'' : '"';
     output.Append(1, quote);
     AppendEscaped(value, single ? Escaped | SingleQuote : Escaped, output);
     output.Append(1, quote);
-}
-
-void PrintAttribute(const Attribute& attribute, OutputBuffer& output) {
-    const std::string_view name = NameOf(attribute);
-    const std::string_view value(attribute.value(), attribute.value_size());
-    char* at = output.Room(name.size() + value.size() + 4); // a blank, "=" and the quotes
-    *at++ = ' ';
-    at = Copy(name, at);
-    *at++ = '=';
-    if (!CopyPlain(value, at + 1)) {
-        output.Commit(at);
-        PrintQuoted(value, output);
-        return;
-    }
-    *at = '"';
-    at += value.size() + 1;
-    *at++ = '"';
-    output.Commit(at);
 }
 
 class Printer {
@@ -181,15 +167,15 @@ public:
 
 private:
     void PrintStart(const Element& element) {
-        const std::string_view name = NameOf(element);
+        const std::string_view tag = StartTagOf(element);
         BeginLine();
-        char* at = Output.Room(name.size() + 1);
+        char* at = Output.Room(tag.size() + 3); // the brackets and a slash
         *at++ = '<';
-        Output.Commit(Copy(name, at));
-        for (const Attribute* attribute = element.first_attribute(); attribute;
-             attribute = attribute->next_attribute())
-            PrintAttribute(*attribute, Output);
-        Output.Append(element.first_node() ? ">" : "/>");
+        at = Copy(tag, at);
+        if (!element.first_node())
+            *at++ = '/';
+        *at++ = '>';
+        Output.Commit(at);
         EndLine();
     }
 
@@ -217,6 +203,22 @@ private:
 };
 
 } // namespace
+
+void AppendAttribute(char name, std::string_view value, OutputBuffer& output) {
+    char* at = output.Room(value.size() + 5); // a blank, the name, "=" and the quotes
+    *at++ = ' ';
+    *at++ = name;
+    *at++ = '=';
+    if (!CopyPlain(value, at + 1)) {
+        output.Commit(at);
+        AppendQuoted(value, output);
+        return;
+    }
+    *at = '"';
+    at += value.size() + 1;
+    *at++ = '"';
+    output.Commit(at);
+}
 
 void PrintElement(const Element& root, bool indent, OutputBuffer& output) {
     Printer(indent, output).Print(root);
