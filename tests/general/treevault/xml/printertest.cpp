@@ -2,6 +2,9 @@
 // How the characters of names and values are written.
 #include "support/xml.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace treevault::tests {
 
 namespace {
@@ -60,6 +63,29 @@ TEST(Printer, WithBothQuotesTheSingleOneIsAnEntity) {
     EXPECT_EQ("'&apos;\"&apos;'", Quoted("'\"'"));
     EXPECT_EQ("'\"&apos;'", Quoted("\"'"));
     EXPECT_EQ("'&apos;&lt;\"&gt;&#x0A;&amp;'", Quoted("'<\">\n&"));
+}
+
+// Values are looked at many bytes at a time, whatever their length and wherever markup stands.
+TEST(Printer, EveryLengthWithMarkupAnywhere) {
+    const std::pair<char, const char*> markup[] = {
+        {'<', "&lt;"}, {'>', "&gt;"}, {'&', "&amp;"}, {'\x1F', "&#x1F;"}, {'\0', "&#x00;"}};
+    for (size_t length = 0; length <= 50; ++length) {
+        std::string value;
+        for (size_t at = 0; at < length; ++at)
+            value += " !#$%'(/09:;=?@AZaz~\x7F\x80\xA6\xBC\xFF"[(at + length) % 25];
+        EXPECT_EQ('"' + value + '"', Quoted(value));
+        for (size_t at = 0; at < length; ++at) {
+            const auto& [byte, entity] = markup[(at + length) % std::size(markup)];
+            std::string changed = value, written = value;
+            changed[at] = byte;
+            written.replace(at, 1, entity);
+            EXPECT_EQ('"' + written + '"', Quoted(changed));
+            std::string plain = value;
+            std::replace(plain.begin(), plain.end(), '\'', '.');
+            plain[at] = '"';
+            EXPECT_EQ('\'' + plain + '\'', Quoted(plain));
+        }
+    }
 }
 
 TEST(Printer, TheRulesHoldForNamesTypesAndArraysToo) {
