@@ -146,8 +146,9 @@ constexpr auto Matrix = MakeMatrix(AllTypes());
 // The row or column of a tag. The flag of arrays is moved next to the kinds.
 size_t SlotOf(ValueType type) {
     constexpr uint8_t no = 0xFF;
-    constexpr uint8_t slots[] = {0,  1,  2,  3,  4,  5,  6,  7,  no, no, no, no, 8,  9,  no, no,
-                                 no, 10, 11, 12, 13, 14, 15, 16, no, no, no, no, no, 17, no, no};
+    static constexpr uint8_t slots[] = {0,  1,  2,  3,  4,  5,  6,  7,  no, no, no,
+                                        no, 8,  9,  no, no, no, 10, 11, 12, 13, 14,
+                                        15, 16, no, no, no, no, no, 17, no, no};
     constexpr ValueType known = VtArray | 0xF;
     const uint8_t slot = (type & ~known) == 0 ? slots[(type & 0xF) | (type & VtArray) >> 4] : no;
     if (slot == no)

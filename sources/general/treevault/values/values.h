@@ -37,9 +37,10 @@ constexpr bool IsSupportedType(ValueType type) noexcept {
 }
 
 // Bytes of one element; 0 where that varies.
+inline constexpr uint8_t ElementSizes[] = {0, 0, 0, 4, 4, 8, 8, 1, 0, 0, 0, 0, 0, 16};
+
 constexpr uint64_t ElementSize(ValueType element) noexcept {
-    constexpr uint8_t sizes[] = {0, 0, 0, 4, 4, 8, 8, 1, 0, 0, 0, 0, 0, 16};
-    return sizes[element];
+    return ElementSizes[element];
 }
 
 // Whether the last whole code unit of a text is its terminator.
