@@ -54,8 +54,9 @@ bool IsTerminated(const void* data, uint64_t size) noexcept {
     return last == 0;
 }
 
-// Whether the bytes fit a supported tag.
-inline bool HasShape(ValueType type, const void* data, uint64_t size) noexcept {
+// Whether the bytes fit a supported tag. Little is left of it where the tag is known.
+[[gnu::always_inline]] inline bool HasShape(ValueType type, const void* data,
+                                            uint64_t size) noexcept {
     const bool array = IsArray(type);
     if (array && size == 0)
         return true;
