@@ -42,7 +42,6 @@ HRESULT CACNodeImpl::SetAttribute(const WCHAR* name, ValueType type, const void*
 }
 
 AttributeTable CACNodeImpl::SplitAttributes() {
-    const LockGuard guard(Lock);
     if (!Attributes || Attributes.IsShared()) {
         AttributeTable before = Attributes;
         Attributes.EnsureOwn();

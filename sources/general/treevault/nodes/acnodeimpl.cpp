@@ -78,6 +78,12 @@ AttributeTable CACNodeImpl::GetAttributeTable() const noexcept {
     return Attributes;
 }
 
+void CACNodeImpl::GetContent(AttributeTable& attributes, WideString& type) const noexcept {
+    const LockGuard guard(Lock);
+    attributes = Attributes;
+    type = TypeName;
+}
+
 HRESULT CACNodeImpl::GetName(NodeNameKind kind, WCHAR* buffer, size_t* size) {
     return Boundary([&]() -> HRESULT {
         const LockGuard guard(Lock);

@@ -71,8 +71,12 @@ public:
     PathRef GetPathLink() const noexcept;
     AttributeTable GetAttributeTable() const noexcept;
 
+    // Both as they are at one moment.
+    void GetContent(AttributeTable& attributes, WideString& type) const noexcept;
+
     // Makes sure that the table belongs to this node alone and gives what it holds now, for others
     // to keep. A table of its own stays where it is, beside the node. The strong guarantee holds.
+    // The caller holds the lock.
     AttributeTable SplitAttributes();
 
     // A clone of this node alone with other attributes. The caller holds the lock.
@@ -80,6 +84,12 @@ public:
 
     // The attributes as if each were set anew, and the type. The strong guarantee holds.
     void RestoreAttributes(AttributeTable table, const WideString& type);
+
+    // Asks the processor for what lies behind this node; needs no lock.
+    void Prefetch() const noexcept {
+        Attributes.Prefetch();
+        Children.Prefetch();
+    }
 
     // What a holder of Lock may read, or a holder of the parent's lock. References to children are
     // those of this node.

@@ -39,14 +39,6 @@ void AttributeTable::Free(Block* block) noexcept {
     ::operator delete(block);
 }
 
-void AttributeTable::Prefetch() const noexcept {
-    if (!Shared)
-        return;
-    constexpr size_t cacheLine = 64;
-    __builtin_prefetch(Shared, 1);
-    __builtin_prefetch(reinterpret_cast<const char*>(Shared) + cacheLine, 1);
-}
-
 // Sets `at` to where the entry of `name` is or would be; tells whether it is there.
 bool AttributeTable::Search(const WCHAR* name, size_t& at) const noexcept {
     const std::span<const AttributeEntry> entries = Entries();

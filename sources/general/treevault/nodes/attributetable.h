@@ -5,6 +5,7 @@
 #define TREEVAULT_NODES_ATTRIBUTETABLE_H
 
 #include "common/ownercount.h"
+#include "common/peekablepointer.h"
 #include "general/treevault/values/valuestorage.h"
 #include "platform/widetext.h"
 
@@ -88,8 +89,8 @@ public:
     static void ForEachPair(const AttributeTable& left, const AttributeTable& right,
                             const Visit& visit);
 
-    // Asks the processor for the first entries.
-    void Prefetch() const noexcept;
+    // Asks the processor for the first entries; needs no lock.
+    void Prefetch() const noexcept { Shared.Prefetch(2); }
 
     // For the only owner: sets the value, in a new entry if need be. Null data gives zeros. The
     // strong guarantee holds.
@@ -127,7 +128,7 @@ private:
     bool Search(const WCHAR* name, size_t& at) const noexcept;
     void Reserve(size_t nameUnits);
 
-    Block* Shared = nullptr;
+    PeekablePointer<Block> Shared;
 };
 
 template <class Visit>

@@ -3,6 +3,7 @@
 #ifndef TREEVAULT_NODES_CHILDLIST_H
 #define TREEVAULT_NODES_CHILDLIST_H
 
+#include "common/peekablepointer.h"
 #include "platform/widetext.h"
 
 #include <cstdint>
@@ -45,6 +46,9 @@ public:
     void Erase(size_t index, WideView name) noexcept;
     void Rename(WideView oldName, WideView newName, CACNodeImpl* child) noexcept;
 
+    // Asks the processor for the lists; needs no lock.
+    void Prefetch() const noexcept { Lists.Prefetch(1); }
+
     void Clear() noexcept {
         Free(std::exchange(Lists, nullptr));
         Capacity = 0;
@@ -73,8 +77,8 @@ private:
     static void Free(Block* block) noexcept;
     void ReserveSlots(size_t count);
 
-    Block* Lists = nullptr; // none before the first child
-    size_t Capacity = 0;    // of the slots, a power of two; here, where a search needs it first
+    PeekablePointer<Block> Lists; // none before the first child
+    size_t Capacity = 0; // of the slots, a power of two; here, where a search needs it first
 };
 
 } // namespace treevault

@@ -4,6 +4,7 @@
 #define TREEVAULT_STORAGE_MEMORYSTORAGE_H
 
 #include "common/components/weakref.h"
+#include "general/treevault/storage/anynode.h"
 #include "general/treevault/storage/pendingoperations.h"
 #include "general/treevault/storage/storagelock.h"
 #include "platform/widetext.h"
@@ -14,7 +15,6 @@
 
 namespace treevault {
 
-class CACNodeImpl;
 class CInnerModifySinkPool;
 struct INodeFilter;
 
@@ -72,16 +72,16 @@ public:
     void CountRun() noexcept { StorageUsn.fetch_add(1); }
 
     // The node at a path, or null. `build` makes what is missing, as part of `group`.
-    NodeRef PvtFindNodeByPath(WideView path, bool build, CPendingOperations* group);
+    AnyNode PvtFindNodeByPath(WideView path, bool build, CPendingOperations* group);
 
     // The child of that name, or the root where the parent is null; null if there is none.
-    NodeRef PvtFindChild(IACNode* parent, WideView name);
+    AnyNode PvtFindChild(const AnyNode& parent, WideView name);
 
     // Each root, in the order of the names.
     template <class Visit>
     void PvtForEachRoot(const Visit& visit) const {
         for (const auto& [name, root] : RootNodes)
-            visit(root.Node);
+            visit(root);
     }
 
     // Attach or remove a node, with what undoes it and the notification; `parentFlags` collects
@@ -102,16 +102,11 @@ protected:
     ~CMemoryStorage();
 
 private:
-    struct Root {
-        NodeRef Node;
-        CACNodeImpl* Own; // the same node, or null for a foreign one
-    };
-
-    NodeRef PvtDescend(WideView path, size_t& begin);
+    AnyNode PvtDescend(WideView path, size_t& begin);
     Ref<CPendingOperations> PvtJournalOf(IOperationsGroup* group);
     void PvtRunPrivateGroup(CPendingOperations& group);
     void PvtExecuteGroup(CPendingOperations& group);
-    void PvtStoreNode(StoreMode mode, const NodeRef& node, bool alreadyCloned,
+    void PvtStoreNode(StoreMode mode, const AnyNode& node, bool alreadyCloned,
                       CPendingOperations& group);
     void PvtDeleteFiltered(INodeFilter& filter, CPendingOperations& group);
     void PvtAttachNode(IACNode* parent, const NodeRef& node, const WideText& name);
@@ -122,7 +117,7 @@ private:
     StorageLock Lock; // guards RootNodes and every tree below
     bool BuildParentNodesIfMissing = true;
     bool MaintainAtomicity = true;
-    std::map<WideText, Root, std::less<>> RootNodes;
+    std::map<WideText, AnyNode, std::less<>> RootNodes;
     Ref<CInnerModifySinkPool> ModifySinks; // none while the storage dies
     GUID StorageBackupId = {};
     std::atomic<uint64_t> StorageUsn{0};

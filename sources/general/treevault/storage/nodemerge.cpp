@@ -10,19 +10,39 @@
 
 namespace treevault {
 
-void NodeMerge::Apply(const Ref<IACNode>& parent, const Ref<IACNode>& existing,
-                      const Ref<IACNode>& given, ModifyMask* parentFlags) {
+namespace {
+
+bool IsLeaf(const AnyNode& node) {
+    const CACNodeImpl* const own = node.Own();
+    if (!own)
+        return false;
+    const LockGuard guard(own->Lock);
+    return own->ChildrenUnderLock().empty();
+}
+
+std::vector<Ref<IACNode>> ListChildren(IACNode* node) {
+    size_t count = 0;
+    HRES{node->GetChildCount(&count)};
+    std::vector<Ref<IACNode>> children(count);
+    for (size_t at = 0; at < count; ++at)
+        HRES{node->GetChildByIndex(at, children[at].Put())};
+    return children;
+}
+
+} // namespace
+
+void NodeMerge::Apply(const AnyNode& parent, const AnyNode& existing, const AnyNode& given,
+                      ModifyMask* parentFlags) {
     if (!existing) {
         Storage.PvtAddNode(parent, given, AlreadyCloned, Group, parentFlags);
         return;
     }
-    Level top = Meet(existing, given);
-    if (top.Children.empty()) {
-        FinishLevel(top);
+    if (Mode != StoreReplaceAll && IsLeaf(given)) {
+        MergeAttributes(existing, given);
         return;
     }
     std::vector<Level> levels;
-    levels.push_back(std::move(top));
+    levels.push_back(Meet(existing, given));
     while (!levels.empty()) {
         Level& level = levels.back();
         if (level.NextChild == level.Children.size()) {
@@ -38,21 +58,8 @@ void NodeMerge::Apply(const Ref<IACNode>& parent, const Ref<IACNode>& existing,
     }
 }
 
-namespace {
-
-std::vector<Ref<IACNode>> ListChildren(IACNode* node) {
-    size_t count = 0;
-    HRES{node->GetChildCount(&count)};
-    std::vector<Ref<IACNode>> children(count);
-    for (size_t at = 0; at < count; ++at)
-        HRES{node->GetChildByIndex(at, children[at].Put())};
-    return children;
-}
-
-} // namespace
-
 // The attributes are merged at once, the children level by level.
-NodeMerge::Level NodeMerge::Meet(const Ref<IACNode>& existing, const Ref<IACNode>& given) {
+NodeMerge::Level NodeMerge::Meet(const AnyNode& existing, const AnyNode& given) {
     MergeAttributes(existing, given);
     Level level;
     level.Existing = existing;
@@ -69,12 +76,12 @@ void NodeMerge::PairChildren(Level& level, IACNode* given) {
         }
     for (Ref<IACNode>& child : ListChildren(given)) {
         const WideText name = ReadName(child.Get());
-        Ref<IACNode> stored;
+        AnyNode stored;
         if (Mode != StoreReplaceAll)
-            stored = Storage.PvtFindChild(level.Existing.Get(), name);
+            stored = Storage.PvtFindChild(level.Existing, name);
         else if (auto entry = level.Others.extract(name))
-            stored = std::move(entry.mapped());
-        level.Children.push_back({std::move(child), std::move(stored)});
+            stored = AnyNode(std::move(entry.mapped()));
+        level.Children.push_back({AnyNode(std::move(child)), std::move(stored)});
     }
 }
 
@@ -131,7 +138,7 @@ void NodeMerge::BeginChange(IACNode* existing, const WCHAR* name) {
     EnsureSnapshot(existing);
     if (ChangedNames.empty()) {
         const auto stored = Ref<IACNode>::Share(existing);
-        Group.AddUndo(CPendingOperations::MakeStep([snapshot = Snapshot, stored] {
+        Group.AddUndo(Group.MakeStep([snapshot = Snapshot, stored] {
             if (snapshot.Get() != stored.Get())
                 RestoreAttributes(snapshot.Get(), stored.Get());
             HRES{stored->SetType(ReadType(snapshot.Get()).c_str())};
@@ -210,8 +217,11 @@ bool NodeMerge::IsTaken(const AttributeTable& given, const AttributeEntry* oldEn
 // What is set comes before what goes.
 void NodeMerge::ListChanges(const AttributeTable& old, const AttributeTable& given) {
     AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
-        if (IsTaken(given, oldEntry, entry))
-            Changes.push_back({given.Name(*entry), entry});
+        if (!IsTaken(given, oldEntry, entry))
+            return;
+        if (Changes.empty())
+            Changes.reserve(given.Entries().size());
+        Changes.push_back({given.Name(*entry), entry});
     });
     if (ReplacesAttributes())
         AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
@@ -227,9 +237,9 @@ void NodeMerge::KeepBefore(CACNodeImpl& existing, AttributeTable before) {
         for (const Change& change : Changes)
             ChangedNames.append(change.Name).push_back(0);
     }
-    Group.AddUndo(CPendingOperations::MakeStep(
-        [stored = Ref<CACNodeImpl>::Share(&existing), table = std::move(before),
-         type = WideString(existing.TypeUnderLock())]() mutable {
+    Group.AddUndo(
+        Group.MakeStep([stored = Ref<CACNodeImpl>::Share(&existing), table = std::move(before),
+                        type = WideString(existing.TypeUnderLock())]() mutable {
             stored->RestoreAttributes(std::move(table), type);
         }));
 }
@@ -237,7 +247,9 @@ void NodeMerge::KeepBefore(CACNodeImpl& existing, AttributeTable before) {
 // Nodes of the library are compared where their values lie. The given table is shared meanwhile, so
 // that nobody changes it. What undoes the changes stands before the first of them is made.
 void NodeMerge::MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& given) {
-    const AttributeTable givenTable = given.GetAttributeTable();
+    AttributeTable givenTable;
+    WideString givenType;
+    given.GetContent(givenTable, givenType);
     const LockGuard guard(existing.Lock);
     ListChanges(existing.AttributesUnderLock(), givenTable);
     if (!Changes.empty()) {
@@ -252,19 +264,16 @@ void NodeMerge::MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& giv
                 stored.Set(name, entry->Type, entry->Value.Data(), entry->Value.Size(),
                            AttributeModified);
     }
-    MergeType(&existing, existing.TypeUnderLock(), given.GetTypeName());
+    MergeType(&existing, existing.TypeUnderLock(), givenType);
 }
 
 // A change of type alone is neither undone nor told.
-void NodeMerge::MergeAttributes(const Ref<IACNode>& existing, const Ref<IACNode>& given) {
+void NodeMerge::MergeAttributes(const AnyNode& existing, const AnyNode& given) {
     Snapshot.Reset();
     ChangedNames.clear();
     Changes.clear();
-    const Ref<CACNodeImpl> ownExisting = CACNodeImpl::TryGetImpl(existing.Get());
-    const Ref<CACNodeImpl> ownGiven =
-        given && ownExisting ? CACNodeImpl::TryGetImpl(given.Get()) : Ref<CACNodeImpl>();
-    if (ownGiven)
-        MergeOwnAttributes(*ownExisting, *ownGiven);
+    if (existing.Own() && given.Own())
+        MergeOwnAttributes(*existing.Own(), *given.Own());
     else
         MergeForeignAttributes(existing.Get(), given.Get());
     if (!ChangedNames.empty())

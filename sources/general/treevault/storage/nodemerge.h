@@ -21,14 +21,14 @@ public:
 
     // Adds, or merges with what exists, whichever is there. `parentFlags` collects what happened to
     // the parent's list of children.
-    void Apply(const Ref<IACNode>& parent, const Ref<IACNode>& existing, const Ref<IACNode>& given,
+    void Apply(const AnyNode& parent, const AnyNode& existing, const AnyNode& given,
                ModifyMask* parentFlags);
 
 private:
     // A given child, and the stored one that bore its name when the parents met.
     struct Pair {
-        Ref<IACNode> Given;
-        Ref<IACNode> Stored;
+        AnyNode Given;
+        AnyNode Stored;
     };
 
     // An attribute that the stored node is to get, or to lose where there is no entry.
@@ -39,18 +39,18 @@ private:
 
     // Two nodes that have met, and how far their children are through.
     struct Level {
-        Ref<IACNode> Existing;
+        AnyNode Existing;
         std::vector<Pair> Children;
         std::map<WideText, Ref<IACNode>> Others; // stored children that are to be removed
         size_t NextChild = 0;
         ModifyMask Flags = 0;
     };
 
-    Level Meet(const Ref<IACNode>& existing, const Ref<IACNode>& given);
+    Level Meet(const AnyNode& existing, const AnyNode& given);
     void PairChildren(Level& level, IACNode* given);
     void FinishLevel(Level& level);
 
-    void MergeAttributes(const Ref<IACNode>& existing, const Ref<IACNode>& given);
+    void MergeAttributes(const AnyNode& existing, const AnyNode& given);
     void MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& given);
     bool IsTaken(const AttributeTable& given, const AttributeEntry* oldEntry,
                  const AttributeEntry* entry) const noexcept;

@@ -70,7 +70,7 @@ void CMemoryStorage::CNodesByPathFilter::Prepare(CMemoryStorage& storage) {
         storage.PvtForEachRoot([&](const NodeRef& root) { NodeQueue.push_back(root); });
         return;
     }
-    const NodeRef node = storage.PvtFindNodeByPath(NodePath, false, nullptr);
+    const AnyNode node = storage.PvtFindNodeByPath(NodePath, false, nullptr);
     if (!node)
         return;
     if (!IsParent) {

@@ -5,7 +5,9 @@
 
 #include "common/components/componentobject.h"
 
+#include <cstddef>
 #include <memory>
+#include <memory_resource>
 
 namespace treevault {
 
@@ -20,21 +22,25 @@ public:
     // Something to do. It owns what it needs; failures are raised.
     class Step {
     public:
-        virtual ~Step() = default;
+        virtual ~Step() = default; // frees what it needs, but not itself
         virtual void Run() = 0;
 
     private:
         friend class CPendingOperations;
         Step* Next = nullptr;
     };
-    using StepPtr = std::unique_ptr<Step>;
+    struct EndStep {
+        void operator()(Step* step) const noexcept { step->~Step(); }
+    };
+    using StepPtr = std::unique_ptr<Step, EndStep>;
 
     explicit CPendingOperations(CMemoryStorage& storage) : Storage(storage) {}
 
     HRESULT Lookup(const GUID* iid, void** out) noexcept;
 
+    // A step must end before its group does.
     template <class Callable>
-    static StepPtr MakeStep(Callable&& callable) {
+    StepPtr MakeStep(Callable&& callable) {
         class Calling final : public Step {
         public:
             explicit Calling(Callable&& what) : What(std::move(what)) {}
@@ -43,7 +49,8 @@ public:
         private:
             Callable What;
         };
-        return std::make_unique<Calling>(std::move(callable));
+        void* const memory = Steps.allocate(sizeof(Calling), alignof(Calling));
+        return StepPtr(new (memory) Calling(std::move(callable)));
     }
 
     template <class Callable>
@@ -80,6 +87,11 @@ private:
     void GiveUpRollback(const WriteError& writeError) noexcept;
 
     CMemoryStorage& Storage;
+
+    // Steps lie side by side, the first ones inside the group, and are given back with it.
+    alignas(std::max_align_t) std::byte FirstSteps[256];
+    std::pmr::monotonic_buffer_resource Steps{FirstSteps, sizeof FirstSteps};
+
     Step* Operations = nullptr; // in the order of adding; one that runs may add another
     Step** OperationsEnd = &Operations;
     Step* UndoList = nullptr; // the last one first

@@ -30,9 +30,8 @@ HRESULT CMemoryStorage::StoreData(IOperationsGroup* group, StoreMode mode, IACNo
             if (group)
                 node = CloneNode(nodes[at], TREEVAULT_ALL_LEVELS);
             journal->AddOperation(
-                [this, mode, node, alreadyCloned = group != nullptr, target = journal.Get()] {
-                    PvtStoreNode(mode, node, alreadyCloned, *target);
-                });
+                [this, mode, given = AnyNode(std::move(node)), alreadyCloned = group != nullptr,
+                 target = journal.Get()] { PvtStoreNode(mode, given, alreadyCloned, *target); });
         }
         if (!group)
             PvtRunPrivateGroup(*journal);
@@ -43,12 +42,11 @@ namespace {
 
 // Where a node goes: it says so itself, and nothing else is taken from above it.
 struct NodePlace {
-    explicit NodePlace(IACNode* node) {
-        const Ref<CACNodeImpl> own = node ? CACNodeImpl::TryGetImpl(node) : Ref<CACNodeImpl>();
-        if (own)
+    explicit NodePlace(const AnyNode& node) {
+        if (const CACNodeImpl* const own = node.Own())
             Take(own->GetPathLink());
         else
-            Read(node);
+            Read(node.Get());
     }
     NodePlace(const NodePlace&) = delete;
     NodePlace& operator=(const NodePlace&) = delete;
@@ -86,35 +84,35 @@ private:
 
 } // namespace
 
-void CMemoryStorage::PvtStoreNode(StoreMode mode, const NodeRef& node, bool alreadyCloned,
+void CMemoryStorage::PvtStoreNode(StoreMode mode, const AnyNode& node, bool alreadyCloned,
                                   CPendingOperations& group) {
-    const NodePlace place(node.Get());
-    NodeRef parent;
+    const NodePlace place(node);
+    AnyNode parent;
     if (!place.IsRoot()) {
         parent = PvtFindNodeByPath(place.ParentPath, BuildParentNodesIfMissing, &group);
         if (!parent)
             ThrowHr(TREEVAULT_E_STG_PARENT_MISSING);
     }
-    const NodeRef existing = PvtFindChild(parent.Get(), place.Name);
+    const AnyNode existing = PvtFindChild(parent, place.Name);
     ModifyMask flags = 0;
     NodeMerge(*this, mode, alreadyCloned, group).Apply(parent, existing, node, &flags);
     if (parent && flags != 0)
         PvtSignalModified(parent.Get(), parent.Get(), flags, nullptr);
 }
 
-CMemoryStorage::NodeRef CMemoryStorage::PvtFindChild(IACNode* parent, WideView name) {
+AnyNode CMemoryStorage::PvtFindChild(const AnyNode& parent, WideView name) {
     if (!parent) {
         const auto found = RootNodes.find(name);
-        return found == RootNodes.end() ? NodeRef() : found->second.Node;
+        return found == RootNodes.end() ? AnyNode() : found->second;
     }
-    if (const Ref<CACNodeImpl> impl = CACNodeImpl::TryGetImpl(parent))
-        return NodeRef::Attach(impl->FindChild(name).Detach());
+    if (const CACNodeImpl* const own = parent.Own())
+        return AnyNode(own->FindChild(name));
     NodeRef child;
     const HRESULT hr = parent->GetChildByName(WideText(name).c_str(), child.Put());
     if (hr == TREEVAULT_E_NOT_FOUND)
-        return NodeRef();
+        return AnyNode();
     HRES{hr};
-    return child;
+    return AnyNode(std::move(child));
 }
 
 namespace {
@@ -132,12 +130,12 @@ WideView TakeComponent(WideView path, size_t& begin) noexcept {
 // Follows the path through nodes of the library as far as they go; `begin` moves behind what was
 // found. A root needs no reference, since it stays as long as the storage is locked: readers on
 // many threads pass it without writing to it more than they must.
-CMemoryStorage::NodeRef CMemoryStorage::PvtDescend(WideView path, size_t& begin) {
+AnyNode CMemoryStorage::PvtDescend(WideView path, size_t& begin) {
     size_t next = begin;
     const auto root = RootNodes.find(TakeComponent(path, next));
-    if (root == RootNodes.end() || !root->second.Own)
-        return NodeRef();
-    const CACNodeImpl* parent = root->second.Own;
+    if (root == RootNodes.end() || !root->second.Own())
+        return AnyNode();
+    const CACNodeImpl* parent = root->second.Own();
     Ref<CACNodeImpl> current;
     for (begin = next; next < path.size(); begin = next) {
         Ref<CACNodeImpl> child = parent->FindChild(TakeComponent(path, next));
@@ -146,24 +144,23 @@ CMemoryStorage::NodeRef CMemoryStorage::PvtDescend(WideView path, size_t& begin)
         current = std::move(child);
         parent = current.Get();
     }
-    return current ? NodeRef::Attach(current.Detach()) : root->second.Node;
+    return current ? AnyNode(std::move(current)) : root->second;
 }
 
-CMemoryStorage::NodeRef CMemoryStorage::PvtFindNodeByPath(WideView path, bool build,
-                                                          CPendingOperations* group) {
+AnyNode CMemoryStorage::PvtFindNodeByPath(WideView path, bool build, CPendingOperations* group) {
     if (path.empty())
-        return NodeRef();
+        return AnyNode();
     size_t begin = path.front() == PathSeparator ? 1 : 0;
-    NodeRef current = PvtDescend(path, begin);
+    AnyNode current = PvtDescend(path, begin);
     if (current && begin >= path.size())
         return current;
     do {
         const WideView component = TakeComponent(path, begin);
-        NodeRef next = PvtFindChild(current.Get(), component);
+        AnyNode next = PvtFindChild(current, component);
         if (!next) {
             if (!build)
-                return NodeRef();
-            next = CreateNode(WideText(component).c_str(), nullptr);
+                return AnyNode();
+            next = AnyNode(CreateNode(WideText(component).c_str(), nullptr));
             ModifyMask flags = 0;
             PvtAddNode(current, next, true, *group, &flags);
             if (current && flags != 0)
@@ -183,7 +180,7 @@ void CMemoryStorage::PvtAttachNode(IACNode* parent, const NodeRef& node, const W
     if (parent)
         HRES{parent->AddChild(node.Get())};
     else
-        RootNodes.emplace(name, Root{node, CACNodeImpl::TryGetImpl(node.Get()).Get()});
+        RootNodes.emplace(name, node);
 }
 
 // False when there was nothing to take out: a root may have gone already, and another node may bear
@@ -194,7 +191,7 @@ bool CMemoryStorage::PvtDetachNode(IACNode* parent, const NodeRef& node, const W
         return true;
     }
     const auto found = RootNodes.find(name);
-    if (found == RootNodes.end() || found->second.Node.Get() != node.Get())
+    if (found == RootNodes.end() || found->second.Get() != node.Get())
         return false;
     RootNodes.erase(found);
     return true;
@@ -206,8 +203,8 @@ void CMemoryStorage::PvtAddNode(const NodeRef& parent, const NodeRef& given, boo
     const NodeRef node = alreadyCloned ? given : CloneNode(given.Get(), TREEVAULT_ALL_LEVELS);
     CPendingOperations::StepPtr undo;
     if (MaintainAtomicity)
-        undo = CPendingOperations::MakeStep(
-            [this, parent, node, name] { PvtDetachNode(parent.Get(), node, name); });
+        undo =
+            group.MakeStep([this, parent, node, name] { PvtDetachNode(parent.Get(), node, name); });
     PvtAttachNode(parent.Get(), node, name);
     group.AddUndo(std::move(undo));
     PvtSignalModified(nullptr, node.Get(), ModifyNodeCreated, nullptr);
@@ -219,7 +216,7 @@ void CMemoryStorage::PvtRemoveNode(const NodeRef& parent, const NodeRef& existin
     const WideText name = ReadName(existing.Get());
     CPendingOperations::StepPtr undo;
     if (MaintainAtomicity)
-        undo = CPendingOperations::MakeStep([this, parent, existing] {
+        undo = group.MakeStep([this, parent, existing] {
             PvtAttachNode(parent.Get(), existing, ReadName(existing.Get()));
         });
     // What an observer's own delete took away meanwhile is not put back by this group.

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// A pointer for the guess of what will be needed next.
+#ifndef TREEVAULT_COMMON_PEEKABLEPOINTER_H
+#define TREEVAULT_COMMON_PEEKABLEPOINTER_H
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+namespace treevault {
+
+// A pointer like any other for those who hold the lock that guards it. Whoever does not may only
+// ask the processor for what it points to, which does no harm even if that is gone meanwhile.
+template <class T>
+class PeekablePointer {
+public:
+    PeekablePointer(T* target = nullptr) noexcept : Target(target) {}
+    PeekablePointer(const PeekablePointer& other) noexcept : Target(other.Get()) {}
+    PeekablePointer& operator=(const PeekablePointer& other) noexcept {
+        Target.store(other.Get(), std::memory_order_relaxed);
+        return *this;
+    }
+
+    T* Get() const noexcept { return Target.load(std::memory_order_relaxed); }
+    operator T*() const noexcept { return Get(); }
+    T* operator->() const noexcept { return Get(); }
+
+    // So many cache lines.
+    void Prefetch(size_t lines) const noexcept {
+        constexpr size_t cacheLine = 64;
+        const auto begin = reinterpret_cast<uintptr_t>(Get());
+        for (size_t line = 0; line < lines; ++line)
+            __builtin_prefetch(reinterpret_cast<const void*>(begin + line * cacheLine), 1);
+    }
+
+private:
+    std::atomic<T*> Target;
+};
+
+} // namespace treevault
+
+#endif
