@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Comparison of names by code unit, several units at a time.
+// Comparison of names and search in paths by code unit, several units at a time.
 #ifndef TREEVAULT_COMMON_TEXTCOMPARE_H
 #define TREEVAULT_COMMON_TEXTCOMPARE_H
 
@@ -27,6 +27,26 @@ inline size_t FirstDifference(const WCHAR* left, const WCHAR* right, size_t leng
     while (at < length && left[at] == right[at])
         ++at;
     return at;
+}
+
+// The first place of `unit` from `begin` on, or the end.
+inline size_t FindUnit(WideView text, WCHAR unit, size_t begin = 0) noexcept {
+    constexpr size_t step = sizeof(uint64_t) / sizeof(WCHAR);
+    constexpr uint64_t ones = 0x0001000100010001u;
+    const uint64_t wanted = ones * static_cast<uint16_t>(unit);
+    for (; begin + step <= text.size(); begin += step) {
+        uint64_t units;
+        std::memcpy(&units, text.data() + begin, sizeof units);
+        // The top bit of each unit that has become 0; above the first of them it may err.
+        const uint64_t rest = units ^ wanted;
+        if (const uint64_t found = (rest - ones) & ~rest & (ones << 15)) {
+            static_assert(std::endian::native == std::endian::little);
+            return begin + static_cast<size_t>(std::countr_zero(found)) / 16;
+        }
+    }
+    while (begin < text.size() && text[begin] != unit)
+        ++begin;
+    return begin;
 }
 
 // Negative, 0 or positive; code units are unsigned, and a text comes behind its own beginning.

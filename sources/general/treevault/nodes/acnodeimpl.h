@@ -131,15 +131,15 @@ private:
     // What a walk along a path reads comes first, near the lock.
     AttributeTable Attributes; // none if no attribute was ever set or all were deleted at once
 
-    // Not counted. Claimed from null by an atomic exchange, otherwise written under Lock. While a
-    // node is torn down it links those that die with it.
-    std::atomic<CACNodeImpl*> Parent{nullptr};
-
     ChildList Children;
 
     // Never none; below the parent's as long as there is one. It is read under this node's lock or
     // the parent's, and written under both.
     PathRef Path;
+
+    // Not counted. Claimed from null by an atomic exchange, otherwise written under Lock. While a
+    // node is torn down it links those that die with it.
+    std::atomic<CACNodeImpl*> Parent{nullptr};
 
     WideString TypeName;
 };

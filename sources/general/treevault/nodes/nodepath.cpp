@@ -3,6 +3,7 @@
 #include "general/treevault/nodes/nodepath.h"
 
 #include "common/errorhandling.h"
+#include "common/textcompare.h"
 
 #include <algorithm>
 #include <new>
@@ -44,7 +45,7 @@ bool PathRef::MoveBelow(const PathRef& parent) noexcept {
 }
 
 PathRef MakePathLink(WideView name, const PathRef& parent) {
-    if (name.find(PathSeparator) != WideView::npos)
+    if (FindUnit(name, PathSeparator) != name.size())
         ThrowHr(TREEVAULT_E_INVALID_NAME);
     return PathRef::Make(name, parent);
 }
@@ -71,11 +72,8 @@ PathRef ParsePath(WideView text) {
         ThrowHr(TREEVAULT_E_INVALID_NAME);
     size_t last = 0;
     bool isPlain = true; // no two separators stand side by side
-    for (size_t at = 1; at < text.size(); ++at)
-        if (text[at] == PathSeparator) {
-            isPlain = isPlain && at != last + 1;
-            last = at;
-        }
+    for (size_t next; (next = FindUnit(text, PathSeparator, last + 1)) != text.size(); last = next)
+        isPlain = isPlain && next != last + 1;
     if (!isPlain || text.size() == 1)
         return ChainOf(text);
     PathRef above;

@@ -24,7 +24,8 @@ WideText ReadNodePath(IACNode* filter) {
         const HRESULT hr = filter->GetAttribute(TV_W("NodePath"), &wanted, buffer, &bytes, nullptr);
         if (hr != TREEVAULT_E_INSUFFICIENT_BUFFER || bytes <= capacity) {
             HRES{hr};
-            return WideText(buffer);
+            const WideView text(buffer, bytes / sizeof(WCHAR));
+            return WideText(text.substr(0, FindUnit(text, WCHAR())));
         }
         more.resize(bytes / sizeof(WCHAR) + 1);
         buffer = more.data();

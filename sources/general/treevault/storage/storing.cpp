@@ -119,7 +119,7 @@ namespace {
 
 // The component at `begin`, which moves behind it.
 WideView TakeComponent(WideView path, size_t& begin) noexcept {
-    const size_t end = std::min(path.find(PathSeparator, begin), path.size());
+    const size_t end = FindUnit(path, PathSeparator, begin);
     const WideView component = path.substr(begin, end - begin);
     begin = end + 1;
     return component;
