@@ -3,6 +3,7 @@
 #include "general/treevault/storage/nodesbypathfilter.h"
 
 #include "common/errorhandling.h"
+#include "common/textcompare.h"
 #include "general/treevault/nodes/nodereading.h"
 #include "general/treevault/storage/nodemaking.h"
 
@@ -11,6 +12,11 @@ namespace treevault {
 namespace {
 
 constexpr WideView TopPath = TV_W("\\");
+
+WideText UntilNul(const void* data, size_t bytes) {
+    const WideView text(static_cast<const WCHAR*>(data), bytes / sizeof(WCHAR));
+    return WideText(text.substr(0, FindUnit(text, WCHAR())));
+}
 
 // The path is required: a missing one is raised like any other failure.
 WideText ReadNodePath(IACNode* filter) {
@@ -24,14 +30,41 @@ WideText ReadNodePath(IACNode* filter) {
         const HRESULT hr = filter->GetAttribute(TV_W("NodePath"), &wanted, buffer, &bytes, nullptr);
         if (hr != TREEVAULT_E_INSUFFICIENT_BUFFER || bytes <= capacity) {
             HRES{hr};
-            const WideView text(buffer, bytes / sizeof(WCHAR));
-            return WideText(text.substr(0, FindUnit(text, WCHAR())));
+            return UntilNul(buffer, bytes);
         }
         more.resize(bytes / sizeof(WCHAR) + 1);
         buffer = more.data();
         capacity = more.size() * sizeof(WCHAR);
     }
 }
+
+// Reads the node of a filter. One of the library is looked at where its values lie: mostly it holds
+// but a path, as text.
+class FilterReader {
+public:
+    explicit FilterReader(const AnyNode& filter)
+        : Filter(filter.Get()), IsOwn(filter.Own() != nullptr) {
+        if (IsOwn)
+            Attributes = filter.Own()->GetAttributeTable();
+    }
+
+    WideText Path() const {
+        const AttributeEntry* const entry = Attributes.Find(TV_W("NodePath"));
+        return entry && entry->Type == VtStringW
+                   ? UntilNul(entry->Value.Data(), entry->Value.Size())
+                   : ReadNodePath(Filter);
+    }
+
+    template <class Value>
+    bool Read(const WCHAR* name, ValueType wantedType, Value& value) const {
+        return (!IsOwn || Attributes.Find(name)) && ReadOptional(Filter, name, wantedType, value);
+    }
+
+private:
+    IACNode* Filter;
+    bool IsOwn;
+    AttributeTable Attributes;
+};
 
 void CheckPath(const WideText& path) {
     if (!path.empty() && path.front() == PathSeparator)
@@ -42,17 +75,15 @@ void CheckPath(const WideText& path) {
 
 } // namespace
 
-CMemoryStorage::CNodesByPathFilter::CNodesByPathFilter(IACNode* filter, bool handOutStored)
-    : HandOutStored(handOutStored), NodePath(ReadNodePath(filter)) {
-    // Most filters have but a path, and a node of the library tells so at once.
-    const Ref<CACNodeImpl> own = CACNodeImpl::TryGetImpl(filter);
-    const AttributeTable attributes = own ? own->GetAttributeTable() : AttributeTable();
-    const auto mayHave = [&](const WCHAR* name) { return !own || attributes.Find(name); };
+CMemoryStorage::CNodesByPathFilter::CNodesByPathFilter(const AnyNode& filter, bool handOutStored)
+    : HandOutStored(handOutStored) {
+    const FilterReader reader(filter);
+    NodePath = reader.Path();
     uint8_t isParent = 0;
-    if (mayHave(TV_W("IsParent")) && ReadOptional(filter, TV_W("IsParent"), VtBool, isParent))
+    if (reader.Read(TV_W("IsParent"), VtBool, isParent))
         IsParent = isParent != 0;
     int32_t maxDepth = 0;
-    if (mayHave(TV_W("MaxDepth")) && ReadOptional(filter, TV_W("MaxDepth"), VtUInt32, maxDepth))
+    if (reader.Read(TV_W("MaxDepth"), VtUInt32, maxDepth))
         MaxDepth = maxDepth;
     CheckPath(NodePath);
 }

@@ -31,7 +31,7 @@ public:
     using ComponentHead::QueryInterface;
     using ComponentHead::Release;
 
-    CNodesByPathFilter(IACNode* filter, bool handOutStored);
+    CNodesByPathFilter(const AnyNode& filter, bool handOutStored);
 
     HRESULT Lookup(const GUID* iid, void** out) noexcept;
     void TREEVAULT_CALL Prepare(CMemoryStorage& storage) override;

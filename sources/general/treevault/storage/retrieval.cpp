@@ -2,7 +2,6 @@
 // Retrieving: selection under the lock, hand-out in batches without it.
 #include "common/errorhandling.h"
 #include "common/functiontrace.h"
-#include "general/treevault/nodes/acnodeimpl.h"
 #include "general/treevault/nodes/nodereading.h"
 #include "general/treevault/presentation/nodelogview.h"
 #include "general/treevault/storage/nodesbypathfilter.h"
@@ -11,19 +10,20 @@ namespace treevault {
 
 namespace {
 
-bool IsFilterByPath(IACNode* filter) {
-    if (const Ref<CACNodeImpl> own = CACNodeImpl::TryGetImpl(filter))
+bool IsFilterByPath(const AnyNode& filter) {
+    if (const CACNodeImpl* const own = filter.Own())
         return EqualText(own->GetTypeName(), TREEVAULT_FILTER_BY_PATH);
-    return ReadType(filter) == TREEVAULT_FILTER_BY_PATH;
+    return ReadType(filter.Get()) == TREEVAULT_FILTER_BY_PATH;
 }
 
 } // namespace
 
 Ref<INodeFilter> CMemoryStorage::CreateFilter(IACNode* filter, bool handOutStored) {
-    if (!IsFilterByPath(filter))
+    const AnyNode node(NodeRef::Share(filter));
+    if (!IsFilterByPath(node))
         ThrowHr(TREEVAULT_E_STG_BAD_FILTER);
     return Ref<INodeFilter>::Attach(
-        MakeComponent<CNodesByPathFilter>(filter, handOutStored).Detach());
+        MakeComponent<CNodesByPathFilter>(node, handOutStored).Detach());
 }
 
 HRESULT CMemoryStorage::RetrieveData(IACNode* filter, IRetrievalContext** context, IACNode** nodes,
