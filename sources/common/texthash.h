@@ -6,7 +6,6 @@
 
 #include "platform/widetext.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -24,18 +23,29 @@ inline uint64_t MixHash(uint64_t left, uint64_t right) noexcept {
 }
 } // namespace detail
 
-// Takes eight code units at a time.
+// Takes eight code units at a time; the last eight may overlap those before.
 inline uint32_t HashText(WideView text) noexcept {
-    constexpr size_t step = 2 * sizeof(uint64_t) / sizeof(WCHAR);
-    uint64_t hash = detail::HashSeed ^ text.size();
-    size_t at = 0;
-    do {
-        uint64_t units[2] = {};
-        const size_t count = std::min(step, text.size() - at);
-        std::memcpy(units, text.data() + at, count * sizeof(WCHAR));
-        hash = detail::MixHash(units[0] ^ hash, units[1] ^ detail::HashSeed);
-        at += step;
-    } while (at < text.size());
+    const auto four = [&](size_t at) {
+        uint64_t units;
+        static_assert(sizeof units == 4 * sizeof(WCHAR));
+        std::memcpy(&units, text.data() + at, sizeof units);
+        return units;
+    };
+    const size_t size = text.size();
+    // The length is spread, so that no unit makes up for it.
+    uint64_t hash = detail::HashSeed + size * 0x9E3779B97F4A7C15u;
+    const auto take = [&](uint64_t first, uint64_t second) {
+        hash = detail::MixHash(first ^ hash, second ^ detail::HashSeed);
+    };
+    if (size >= 8) {
+        for (size_t at = 0; at + 8 < size; at += 8)
+            take(four(at), four(at + 4));
+        take(four(size - 8), four(size - 4));
+    } else if (size >= 4) {
+        take(four(0), four(size - 4));
+    } else if (size != 0) {
+        take(text[0], uint64_t{text[size / 2]} << 16 | text[size - 1]);
+    }
     return static_cast<uint32_t>(hash ^ (hash >> 32));
 }
 
