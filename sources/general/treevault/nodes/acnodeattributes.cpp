@@ -41,15 +41,6 @@ HRESULT CACNodeImpl::SetAttribute(const WCHAR* name, ValueType type, const void*
     });
 }
 
-AttributeTable CACNodeImpl::SplitAttributes() {
-    if (!Attributes || Attributes.IsShared()) {
-        AttributeTable before = Attributes;
-        Attributes.EnsureOwn();
-        return before;
-    }
-    return Attributes.Copy();
-}
-
 void CACNodeImpl::RestoreAttributes(AttributeTable table, const WideString& type) {
     if (table.Entries().empty())
         table = AttributeTable();

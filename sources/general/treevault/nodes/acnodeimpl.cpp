@@ -59,8 +59,10 @@ Ref<CACNodeImpl> CACNodeImpl::GetImpl(IACNode* node) {
 
 Ref<CACNodeImpl> CACNodeImpl::TryGetImpl(IACNode* node) {
     void* impl = nullptr;
-    const bool isOurs = SUCCEEDED(node->QueryInterface(&IID_ACNodeImpl, &impl));
-    return Ref<CACNodeImpl>::Attach(isOurs ? static_cast<CACNodeImpl*>(impl) : nullptr);
+    if (FAILED(node->QueryInterface(&IID_ACNodeImpl, &impl)))
+        return Ref<CACNodeImpl>();
+    Ref<CACNodeImpl> own = Ref<CACNodeImpl>::Attach(static_cast<CACNodeImpl*>(impl));
+    return static_cast<IACNode*>(own.Get()) == node ? own : Ref<CACNodeImpl>();
 }
 
 WideString CACNodeImpl::GetTypeName() const noexcept {

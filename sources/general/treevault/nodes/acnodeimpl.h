@@ -61,7 +61,7 @@ public:
     // The implementation of a node; raises E_NOINTERFACE for a foreign one.
     static Ref<CACNodeImpl> GetImpl(IACNode* node);
 
-    // The same, or none for a foreign node.
+    // The same, or none for a foreign node, also for one that stands before a node of the library.
     static Ref<CACNodeImpl> TryGetImpl(IACNode* node);
 
     // None if there is no child of that name.
@@ -73,11 +73,6 @@ public:
 
     // Both as they are at one moment.
     void GetContent(AttributeTable& attributes, WideString& type) const noexcept;
-
-    // Makes sure that the table belongs to this node alone and gives what it holds now, for others
-    // to keep. A table of its own stays where it is, beside the node. The strong guarantee holds.
-    // The caller holds the lock.
-    AttributeTable SplitAttributes();
 
     // A clone of this node alone with other attributes. The caller holds the lock.
     Ref<IACNode> MakeSnapshot(const AttributeTable& attributes) const;
@@ -134,7 +129,7 @@ private:
     ChildList Children;
 
     // Never none; below the parent's as long as there is one. It is read under this node's lock or
-    // the parent's, and written under both.
+    // the parent's, and written under both; a parent that dies reads no more names.
     PathRef Path;
 
     // Not counted. Claimed from null by an atomic exchange, otherwise written under Lock. While a

@@ -63,8 +63,9 @@ public:
         return Shared && Shared->Owners.load(std::memory_order_acquire) != 1;
     }
 
-    // A private copy; there must be a table.
-    AttributeTable Copy() const;
+    // What the table holds now, for others to keep: of a table with one owner a copy, so that it
+    // can be changed where it lies, beside its node.
+    AttributeTable Keep() const { return Shared && !IsShared() ? Copy() : *this; }
 
     // Makes a table where there is none, and a private copy of a shared one. The strong guarantee
     // holds: what memory does not suffice for changes nothing.
@@ -123,6 +124,7 @@ private:
         return static_cast<int>(*left) - static_cast<int>(*right);
     }
 
+    AttributeTable Copy() const;
     static Block* Allocate(size_t entries, size_t nameUnits);
     static void Free(Block* block) noexcept;
     bool Search(const WCHAR* name, size_t& at) const noexcept;

@@ -17,8 +17,7 @@ class CACNodeImpl;
 
 // Guarded by the lock of the parent, which keeps the names of the children as they are: they are
 // read where the children keep them. It holds two references to each child, one for each way to
-// find it, and leaves their counting to the parent. A node without children pays one pointer for
-// it.
+// find it, and leaves their counting to the parent. A node without children pays 16 bytes.
 class ChildList {
 public:
     ChildList() = default;

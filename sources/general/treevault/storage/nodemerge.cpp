@@ -37,10 +37,9 @@ void NodeMerge::Apply(const AnyNode& parent, const AnyNode& existing, const AnyN
         Storage.PvtAddNode(parent, given, AlreadyCloned, Group, parentFlags);
         return;
     }
-    if (Mode != StoreReplaceAll && IsLeaf(given)) {
-        MergeAttributes(existing, given);
+    MergeAttributes(existing, given);
+    if (Mode != StoreReplaceAll && IsLeaf(given))
         return;
-    }
     std::vector<Level> levels;
     levels.push_back(Meet(existing, given));
     while (!levels.empty()) {
@@ -51,16 +50,17 @@ void NodeMerge::Apply(const AnyNode& parent, const AnyNode& existing, const AnyN
             continue;
         }
         const Pair child = std::move(level.Children[level.NextChild++]);
-        if (child.Stored)
-            levels.push_back(Meet(child.Stored, child.Given));
-        else
+        if (!child.Stored) {
             Storage.PvtAddNode(level.Existing, child.Given, AlreadyCloned, Group, &level.Flags);
+            continue;
+        }
+        MergeAttributes(child.Stored, child.Given);
+        levels.push_back(Meet(child.Stored, child.Given));
     }
 }
 
-// The attributes are merged at once, the children level by level.
+// The attributes are merged by now; the children follow level by level.
 NodeMerge::Level NodeMerge::Meet(const AnyNode& existing, const AnyNode& given) {
-    MergeAttributes(existing, given);
     Level level;
     level.Existing = existing;
     PairChildren(level, given.Get());
@@ -138,7 +138,7 @@ void NodeMerge::BeginChange(IACNode* existing, const WCHAR* name) {
     EnsureSnapshot(existing);
     if (ChangedNames.empty()) {
         const auto stored = Ref<IACNode>::Share(existing);
-        Group.AddUndo(Group.MakeStep([snapshot = Snapshot, stored] {
+        Group.AddUndo(CPendingOperations::MakeUndo([snapshot = Snapshot, stored] {
             if (snapshot.Get() != stored.Get())
                 RestoreAttributes(snapshot.Get(), stored.Get());
             HRES{stored->SetType(ReadType(snapshot.Get()).c_str())};
@@ -237,9 +237,9 @@ void NodeMerge::KeepBefore(CACNodeImpl& existing, AttributeTable before) {
         for (const Change& change : Changes)
             ChangedNames.append(change.Name).push_back(0);
     }
-    Group.AddUndo(
-        Group.MakeStep([stored = Ref<CACNodeImpl>::Share(&existing), table = std::move(before),
-                        type = WideString(existing.TypeUnderLock())]() mutable {
+    Group.AddUndo(CPendingOperations::MakeUndo(
+        [stored = Ref<CACNodeImpl>::Share(&existing), table = std::move(before),
+         type = WideString(existing.TypeUnderLock())]() mutable {
             stored->RestoreAttributes(std::move(table), type);
         }));
 }
@@ -253,8 +253,9 @@ void NodeMerge::MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& giv
     const LockGuard guard(existing.Lock);
     ListChanges(existing.AttributesUnderLock(), givenTable);
     if (!Changes.empty()) {
-        KeepBefore(existing, existing.SplitAttributes());
         AttributeTable& stored = existing.AttributesUnderLock();
+        KeepBefore(existing, stored.Keep());
+        stored.EnsureOwn();
         // The names of what goes lie in a block that a new entry may replace.
         for (const auto& [name, entry] : Changes)
             if (!entry)

@@ -71,7 +71,8 @@ private:
     bool AlreadyCloned;
     CPendingOperations& Group;
 
-    // Of the pair of nodes at work. The first two are for those who are told.
+    // Of the pair of nodes at work. Where both are of the library, the first two are but for those
+    // who are told.
     Ref<IACNode> Snapshot;       // the stored node before its first change
     WideText ChangedNames;       // each changed attribute with its terminator
     std::vector<Change> Changes; // where both are nodes of the library

@@ -4,8 +4,11 @@
 
 #include "common/errorhandling.h"
 #include "common/textcompare.h"
+#include "general/treevault/nodes/nodeerrors.h"
 #include "general/treevault/nodes/nodereading.h"
 #include "general/treevault/storage/nodemaking.h"
+
+#include <algorithm>
 
 namespace treevault {
 
@@ -30,7 +33,7 @@ WideText ReadNodePath(IACNode* filter) {
         const HRESULT hr = filter->GetAttribute(TV_W("NodePath"), &wanted, buffer, &bytes, nullptr);
         if (hr != TREEVAULT_E_INSUFFICIENT_BUFFER || bytes <= capacity) {
             HRES{hr};
-            return UntilNul(buffer, bytes);
+            return UntilNul(buffer, std::min(bytes, capacity));
         }
         more.resize(bytes / sizeof(WCHAR) + 1);
         buffer = more.data();
@@ -39,11 +42,12 @@ WideText ReadNodePath(IACNode* filter) {
 }
 
 // Reads the node of a filter. One of the library is looked at where its values lie: mostly it holds
-// but a path, as text.
+// but a path, as text. What it lacks is asked for only where the question leaves a trace.
 class FilterReader {
 public:
     explicit FilterReader(const AnyNode& filter)
-        : Filter(filter.Get()), IsOwn(filter.Own() != nullptr) {
+        : Filter(filter.Get()), IsOwn(filter.Own() && !WasSeverityEnabled(SeverityDbg2) &&
+                                      !IsAdvancedErrorInfoEnabled()) {
         if (IsOwn)
             Attributes = filter.Own()->GetAttributeTable();
     }

@@ -14,10 +14,14 @@ HRESULT CPendingOperations::Lookup(const GUID* iid, void** out) noexcept {
     return LookupInterface(iid, out, this, InterfaceEntry{IID_PendingOperations, this});
 }
 
-void CPendingOperations::Drop(Step*& list) noexcept {
-    while (list) {
-        const StepPtr first(std::exchange(list, list->Next));
-    }
+void CPendingOperations::DropOperations() noexcept {
+    while (Operations)
+        std::exchange(Operations, Operations->Next)->~Step();
+}
+
+void CPendingOperations::DropUndoList() noexcept {
+    while (UndoList)
+        TakeUndo();
 }
 
 void CPendingOperations::Execute() {
@@ -46,7 +50,7 @@ void CPendingOperations::GiveUpRollback(const WriteError& writeError) noexcept {
         line << TV_W("CPendingOperations::Rollback failed: Rollback failed: ");
         writeError(line);
     });
-    Drop(UndoList);
+    DropUndoList();
 }
 
 void CPendingOperations::Rollback() {
@@ -54,10 +58,8 @@ void CPendingOperations::Rollback() {
         return;
     const FunctionTrace trace(TV_W("Rolling the changes back"), SeverityDbg);
     try {
-        while (UndoList) {
-            UndoList->Run();
-            const StepPtr done(std::exchange(UndoList, UndoList->Next));
-        }
+        while (UndoList)
+            TakeUndo()->Run();
     } catch (const HRX& failure) {
         GiveUpRollback([&](WideStream& line) { AppendErrorText(line, failure); });
     } catch (const std::bad_alloc&) {

@@ -22,47 +22,35 @@ public:
     // Something to do. It owns what it needs; failures are raised.
     class Step {
     public:
-        virtual ~Step() = default; // frees what it needs, but not itself
+        virtual ~Step() = default;
         virtual void Run() = 0;
 
     private:
         friend class CPendingOperations;
         Step* Next = nullptr;
     };
-    struct EndStep {
-        void operator()(Step* step) const noexcept { step->~Step(); }
-    };
-    using StepPtr = std::unique_ptr<Step, EndStep>;
+    using Undo = std::unique_ptr<Step>;
 
     explicit CPendingOperations(CMemoryStorage& storage) : Storage(storage) {}
 
     HRESULT Lookup(const GUID* iid, void** out) noexcept;
 
-    // A step must end before its group does.
-    template <class Callable>
-    StepPtr MakeStep(Callable&& callable) {
-        class Calling final : public Step {
-        public:
-            explicit Calling(Callable&& what) : What(std::move(what)) {}
-            void Run() override { What(); }
-
-        private:
-            Callable What;
-        };
-        void* const memory = Steps.allocate(sizeof(Calling), alignof(Calling));
-        return StepPtr(new (memory) Calling(std::move(callable)));
-    }
-
     template <class Callable>
     void AddOperation(Callable&& operation) {
-        Step* const step = MakeStep(std::move(operation)).release();
+        void* const memory = Memory.allocate(sizeof(Calling<Callable>), alignof(Calling<Callable>));
+        Step* const step = new (memory) Calling<Callable>(std::move(operation));
         *OperationsEnd = step;
         OperationsEnd = &step->Next;
     }
 
-    // The step was made before the change that it undoes, so that nothing can fail any more. None
-    // is left out.
-    void AddUndo(StepPtr undo) noexcept {
+    // Is made before the change that it undoes, so that nothing can fail any more when it is added.
+    template <class Callable>
+    static Undo MakeUndo(Callable&& callable) {
+        return std::make_unique<Calling<Callable>>(std::move(callable));
+    }
+
+    // None is left out.
+    void AddUndo(Undo undo) noexcept {
         if (Step* const step = undo.release())
             step->Next = std::exchange(UndoList, step);
     }
@@ -76,21 +64,34 @@ public:
 
 protected:
     ~CPendingOperations() {
-        Drop(Operations);
-        Drop(UndoList);
+        DropOperations();
+        DropUndoList();
     }
 
 private:
-    static void Drop(Step*& list) noexcept;
+    template <class Callable>
+    class Calling final : public Step {
+    public:
+        explicit Calling(Callable&& what) : What(std::move(what)) {}
+        void Run() override { What(); }
+
+    private:
+        Callable What;
+    };
+
+    Undo TakeUndo() noexcept { return Undo(std::exchange(UndoList, UndoList->Next)); }
+    void DropOperations() noexcept;
+    void DropUndoList() noexcept;
 
     template <class WriteError>
     void GiveUpRollback(const WriteError& writeError) noexcept;
 
     CMemoryStorage& Storage;
 
-    // Steps lie side by side, the first ones inside the group, and are given back with it.
-    alignas(std::max_align_t) std::byte FirstSteps[256];
-    std::pmr::monotonic_buffer_resource Steps{FirstSteps, sizeof FirstSteps};
+    // Operations lie side by side, the first one inside the group, until the group goes.
+    alignas(std::max_align_t) std::byte FirstMemory[96];
+    std::pmr::monotonic_buffer_resource Memory{FirstMemory, sizeof FirstMemory,
+                                               std::pmr::new_delete_resource()};
 
     Step* Operations = nullptr; // in the order of adding; one that runs may add another
     Step** OperationsEnd = &Operations;

@@ -201,10 +201,10 @@ void CMemoryStorage::PvtAddNode(const NodeRef& parent, const NodeRef& given, boo
                                 CPendingOperations& group, ModifyMask* parentFlags) {
     const WideText name = ReadName(given.Get());
     const NodeRef node = alreadyCloned ? given : CloneNode(given.Get(), TREEVAULT_ALL_LEVELS);
-    CPendingOperations::StepPtr undo;
+    CPendingOperations::Undo undo;
     if (MaintainAtomicity)
-        undo =
-            group.MakeStep([this, parent, node, name] { PvtDetachNode(parent.Get(), node, name); });
+        undo = CPendingOperations::MakeUndo(
+            [this, parent, node, name] { PvtDetachNode(parent.Get(), node, name); });
     PvtAttachNode(parent.Get(), node, name);
     group.AddUndo(std::move(undo));
     PvtSignalModified(nullptr, node.Get(), ModifyNodeCreated, nullptr);
@@ -214,9 +214,9 @@ void CMemoryStorage::PvtAddNode(const NodeRef& parent, const NodeRef& given, boo
 void CMemoryStorage::PvtRemoveNode(const NodeRef& parent, const NodeRef& existing,
                                    CPendingOperations& group, ModifyMask* parentFlags) {
     const WideText name = ReadName(existing.Get());
-    CPendingOperations::StepPtr undo;
+    CPendingOperations::Undo undo;
     if (MaintainAtomicity)
-        undo = group.MakeStep([this, parent, existing] {
+        undo = CPendingOperations::MakeUndo([this, parent, existing] {
             PvtAttachNode(parent.Get(), existing, ReadName(existing.Get()));
         });
     // What an observer's own delete took away meanwhile is not put back by this group.
