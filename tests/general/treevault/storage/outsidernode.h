@@ -17,10 +17,13 @@ public:
     size_t SizeTold = 0; // in place of real sizes of texts and numbers of children
     std::function<void()> OnRead, OnClone;
     uint32_t References = 1;
+    bool PassesIdentityOn = false; // what the library asks about itself reaches its own node
 
     uint32_t TREEVAULT_CALL AddRef() override { return ++References; }
     uint32_t TREEVAULT_CALL Release() override { return --References; }
-    HRESULT TREEVAULT_CALL QueryInterface(const GUID*, void**) override { return E_NOINTERFACE; }
+    HRESULT TREEVAULT_CALL QueryInterface(const GUID* iid, void** out) override {
+        return PassesIdentityOn ? Target->QueryInterface(iid, out) : E_NOINTERFACE;
+    }
     HRESULT TREEVAULT_CALL GetName(NodeNameKind kind, WCHAR* buffer, size_t* size) override {
         return SizeTold ? Tell(size) : Target->GetName(kind, buffer, size);
     }

@@ -55,6 +55,24 @@ TEST_F(OutsiderNodes, NameTakenWhileConfiguringGoesToTheOuterStorage) {
     ClearRecord();
 }
 
+// --- Roots ---------------------------------------------------------------------------------------
+
+// What stands before a node of the library is asked itself, and never gone around.
+TEST_F(OutsiderNodes, NodeBeforeAnotherIsNotTakenForIt) {
+    const Node target = Create(W("n"));
+    OutsiderNode stored(target);
+    stored.PassesIdentityOn = true;
+    stored.CloneGiven = &stored;
+    Storage storage;
+    IACNode* nodes[] = {&stored};
+    ASSERT_EQ(S_OK, StgStoreData(storage, nullptr, StoreMergeAll, nodes, 1));
+    EXPECT_EQ(CodeText(E_NOTIMPL), CodeText(storage.Store(StoreMergeAll, "n{x=1}")));
+    EXPECT_EQ("n", Show(target));
+    ClearRecord();
+    storage.Close();
+    EXPECT_EQ(1u, stored.References);
+}
+
 // --- Batches -------------------------------------------------------------------------------------
 
 TEST_F(OutsiderNodes, FailingCloneLosesTheBatchAndTheNextOneGoesOn) {

@@ -37,6 +37,24 @@ TEST_F(SinkReentry, ReadingSeesWhatHasBeenDoneSoFar) {
     EXPECT_EQ("n{x=2}(c)", seen);
 }
 
+// The children of a given node come after its attributes, whatever they are by then.
+TEST_F(SinkReentry, ChildThatTheGivenNodeGetsMeanwhileIsStoredToo) {
+    for (const StoreMode mode :
+         {StoreMergeAll, StoreMergeModified, StoreReplaceAttributes, StoreReplaceAll}) {
+        Storage subject{"n{x=1}"};
+        Sink watcher{subject};
+        const Node given = Create(W("n"));
+        EXPECT_EQ(S_OK, SetInt(given, W("x"), 2));
+        watcher.Inside = [&](const std::string& call, const ModifyNotification*) {
+            if (call == "changed /n [x]")
+                AddNew(given, W("late"));
+        };
+        IACNode* nodes[] = {given};
+        EXPECT_EQ(S_OK, StgStoreData(subject, nullptr, mode, nodes, 1));
+        EXPECT_EQ("n{x=2}(late)", Forest(subject)) << mode;
+    }
+}
+
 TEST_F(SinkReentry, NestedStoreIsAGroupOfItsOwn) {
     for (const char* call : {"start", "created /m", "precommit", "finish(1)"}) {
         Watcher.Inside = nullptr;
