@@ -89,13 +89,16 @@ private:
 
 // --- Creation and cloning ------------------------------------------------------------------------
 
+// A type that does not lie inside the node.
+const WCHAR* const LongType = W("a type of many units");
+
 struct CreateScenario : Scenario {
-    HRESULT Act() override { return AcnCreateNode(W("\\path\\to\\node"), W("type"), &Out); }
+    HRESULT Act() override { return AcnCreateNode(W("\\path\\to\\node"), LongType, &Out); }
     void ExpectUnchanged() override { EXPECT_EQ(Untouched(), Out); }
     void ExpectDone() override {
         const Node node(Out);
         EXPECT_EQ(W("\\path\\to\\node"), Path(node));
-        EXPECT_EQ(W("type"), Type(node));
+        EXPECT_EQ(LongType, Type(node));
     }
     IACNode* Out = Untouched();
 };
@@ -239,10 +242,10 @@ TEST_F(Memory, FirstAttribute) {
 }
 
 struct TypeScenario : Scenario {
-    HRESULT Act() override { return AcnSetNodeType(Subject, W("new type")); }
-    void ExpectUnchanged() override { EXPECT_EQ(W("old type"), Type(Subject)); }
-    void ExpectDone() override { EXPECT_EQ(W("new type"), Type(Subject)); }
-    const Node Subject = Create(W("n"), W("old type"));
+    HRESULT Act() override { return AcnSetNodeType(Subject, LongType); }
+    void ExpectUnchanged() override { EXPECT_EQ(W("an old type of many units"), Type(Subject)); }
+    void ExpectDone() override { EXPECT_EQ(LongType, Type(Subject)); }
+    const Node Subject = Create(W("n"), W("an old type of many units"));
 };
 
 TEST_F(Memory, Type) {
