@@ -256,7 +256,7 @@ void NodeMerge::MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& giv
         AttributeTable& stored = existing.AttributesUnderLock();
         KeepBefore(existing, stored.Keep());
         stored.EnsureOwn();
-        // The names of what goes lie in a block that a new entry may replace.
+        // First what goes: its names lie in a block that a new entry may replace.
         for (const auto& [name, entry] : Changes)
             if (!entry)
                 stored.Erase(stored.Find(name));
