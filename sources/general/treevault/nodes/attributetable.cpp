@@ -13,10 +13,23 @@ namespace treevault {
 
 namespace {
 
+// Four attributes of the usual kind need no second block.
 constexpr size_t FirstCapacity = 4;
-constexpr size_t FirstNameCapacity = 32;
+constexpr size_t FirstAreaSize = 128;
 
-// Entries are moved as bytes: nothing in them points into the block or into themselves.
+// Longer values lie in blocks of their own: they would be copied whenever the table grows.
+constexpr uint32_t LongestInTable = 64;
+
+// Room begins where any element of an array may.
+constexpr size_t RoundUp(size_t size) noexcept {
+    return (size + 7) & ~size_t{7};
+}
+
+size_t NameSize(const WCHAR* name) noexcept {
+    return (WideLength(name) + 1) * sizeof(WCHAR);
+}
+
+// Entries are moved as bytes: nothing points at them.
 void MoveEntries(AttributeEntry* to, const AttributeEntry* from, size_t count) noexcept {
     std::memmove(static_cast<void*>(to), static_cast<const void*>(from),
                  count * sizeof(AttributeEntry));
@@ -24,14 +37,23 @@ void MoveEntries(AttributeEntry* to, const AttributeEntry* from, size_t count) n
 
 } // namespace
 
-AttributeTable::Block* AttributeTable::Allocate(size_t entries, size_t nameUnits) {
+uint32_t AttributeTable::Block::AppendName(const WCHAR* name, size_t size) noexcept {
+    std::memcpy(Area() + NamesSize, name, size);
+    return std::exchange(NamesSize, NamesSize + static_cast<uint32_t>(size)) / sizeof(WCHAR);
+}
+
+void* AttributeTable::Block::TakeRoom(uint32_t size) noexcept {
+    RoomSize += size;
+    return Area() + (AreaSize - RoomSize);
+}
+
+AttributeTable::Block* AttributeTable::Allocate(size_t entries, size_t areaSize) {
     static_assert(sizeof(Block) % alignof(AttributeEntry) == 0);
-    if (nameUnits > std::numeric_limits<uint32_t>::max())
+    if (areaSize > std::numeric_limits<uint32_t>::max())
         ThrowHr(E_INVALIDARG);
-    void* memory = ::operator new(sizeof(Block) + entries * sizeof(AttributeEntry) +
-                                  nameUnits * sizeof(WCHAR));
+    void* memory = ::operator new(sizeof(Block) + entries * sizeof(AttributeEntry) + areaSize);
     return new (memory)
-        Block{1, 0, static_cast<uint32_t>(entries), 0, static_cast<uint32_t>(nameUnits)};
+        Block{1, 0, static_cast<uint32_t>(entries), static_cast<uint32_t>(areaSize), 0, 0};
 }
 
 void AttributeTable::Free(Block* block) noexcept {
@@ -65,15 +87,29 @@ AttributeEntry* AttributeTable::Find(const WCHAR* name) const noexcept {
     return Search(name, at) ? &Entries()[at] : nullptr;
 }
 
+bool AttributeTable::IsNamedLike(const AttributeTable& other) const noexcept {
+    const std::span<const AttributeEntry> entries = Entries();
+    const std::span<const AttributeEntry> others = other.Entries();
+    if (entries.empty() || entries.size() != others.size() ||
+        Shared->NamesSize != other.Shared->NamesSize)
+        return false;
+    for (size_t at = 0; at < entries.size(); ++at)
+        if (entries[at].NameOffset != others[at].NameOffset)
+            return false;
+    return std::memcmp(Shared->Names(), other.Shared->Names(), Shared->NamesSize) == 0;
+}
+
+// Names keep their places; rooms are as large as their values need.
 AttributeTable AttributeTable::Copy() const {
     AttributeTable copy;
-    copy.Shared = Allocate(std::max<size_t>(Shared->Count, FirstCapacity), Shared->NameCapacity);
+    copy.Shared = Allocate(std::max<size_t>(Shared->Count, FirstCapacity), Shared->AreaSize);
     Block& target = *copy.Shared;
-    std::memcpy(target.Names(), Shared->Names(), Shared->NameUnits * sizeof(WCHAR));
-    target.NameUnits = Shared->NameUnits;
+    std::memcpy(target.Area(), Shared->Area(), Shared->NamesSize);
+    target.NamesSize = Shared->NamesSize;
     for (const AttributeEntry& entry : Entries()) {
-        new (target.Entries() + target.Count) AttributeEntry{
-            entry.NameOffset, entry.Type, entry.LoadFlags(), ValueStorage(entry.Value)};
+        new (target.Entries() + target.Count)
+            AttributeEntry{entry.NameOffset, entry.Type, entry.LoadFlags(),
+                           copy.MakeValue(entry.Value.Data(), entry.Value.Size())};
         ++target.Count;
     }
     return copy;
@@ -81,57 +117,66 @@ AttributeTable AttributeTable::Copy() const {
 
 void AttributeTable::EnsureOwn() {
     if (!Shared)
-        Shared = Allocate(FirstCapacity, FirstNameCapacity);
+        Shared = Allocate(FirstCapacity, FirstAreaSize);
     else if (IsShared())
         *this = Copy();
 }
 
-// Makes room for one more entry and for the characters of its name, in a new block if need be; what
-// erased names left behind is dropped then.
-void AttributeTable::Reserve(size_t nameUnits) {
-    if (Shared->Count < Shared->Capacity && nameUnits <= Shared->NameCapacity - Shared->NameUnits)
+// Sees to it that one more entry fits, and its name, in a new block if need be; what erased entries
+// left behind is dropped then.
+void AttributeTable::Reserve(size_t nameSize) {
+    if (Shared->Count < Shared->Capacity && nameSize <= Shared->Free())
         return;
-    size_t used = 0;
+    size_t used = nameSize;
     for (const AttributeEntry& entry : Entries())
-        used += WideLength(Name(entry)) + 1;
-    const size_t entries =
-        Shared->Count < Shared->Capacity ? Shared->Capacity : Shared->Capacity * 2u;
-    const size_t names =
-        std::max<size_t>(Shared->NameCapacity, used + nameUnits + (used + nameUnits) / 2);
-    Block* const grown = Allocate(entries, names);
+        used += NameSize(Name(entry)) + entry.Value.LentRoom();
+    const size_t growth = Shared->Count < Shared->Capacity ? 1 : 2;
+    Block* const grown = Allocate(Shared->Capacity * growth,
+                                  RoundUp(std::max(Shared->AreaSize * growth, used + used / 2)));
     MoveEntries(grown->Entries(), Shared->Entries(), Shared->Count);
     for (AttributeEntry& entry : std::span(grown->Entries(), Shared->Count)) {
         const WCHAR* name = Name(entry);
-        const size_t units = WideLength(name) + 1;
-        std::memcpy(grown->Names() + grown->NameUnits, name, units * sizeof(WCHAR));
-        entry.NameOffset = grown->NameUnits;
-        grown->NameUnits += static_cast<uint32_t>(units);
+        entry.NameOffset = grown->AppendName(name, NameSize(name));
+        if (const uint32_t room = entry.Value.LentRoom())
+            entry.Value.MoveRoom(grown->TakeRoom(room));
     }
     grown->Count = Shared->Count;
     ::operator delete(std::exchange(Shared, grown));
+}
+
+// A value of an entry, in the block if it is short and there is room beside what is to be kept
+// free.
+ValueStorage AttributeTable::MakeValue(const void* data, uint64_t size, size_t kept) {
+    if (size <= ValueStorage::InlineCapacity || size > LongestInTable ||
+        RoundUp(size) + kept > Shared->Free())
+        return ValueStorage(data, size);
+    const auto room = static_cast<uint32_t>(RoundUp(size));
+    return ValueStorage(Shared->TakeRoom(room), room, data, static_cast<uint32_t>(size));
+}
+
+void AttributeTable::Overwrite(AttributeEntry& entry, ValueType type, const void* data,
+                               uint64_t size, uint16_t flags) {
+    if (entry.Value.Fits(size))
+        entry.Value.Assign(data, size);
+    else
+        entry.Value = MakeValue(data, size);
+    entry.Type = type;
+    entry.StoreFlags(flags);
 }
 
 void AttributeTable::Set(const WCHAR* name, ValueType type, const void* data, uint64_t size,
                          uint16_t flags) {
     size_t at;
     if (Search(name, at)) {
-        AttributeEntry& entry = Entries()[at];
-        if (entry.Value.Size() == size)
-            entry.Value.Assign(data, size);
-        else
-            entry.Value = ValueStorage(data, size);
-        entry.Type = type;
-        entry.StoreFlags(flags);
+        Overwrite(Entries()[at], type, data, size, flags);
         return;
     }
-    ValueStorage value(data, size);
-    const size_t units = WideLength(name) + 1;
-    Reserve(units);
-    std::memcpy(Shared->Names() + Shared->NameUnits, name, units * sizeof(WCHAR));
+    const size_t nameSize = NameSize(name);
+    Reserve(nameSize);
+    ValueStorage value = MakeValue(data, size, nameSize);
     AttributeEntry* const place = Shared->Entries() + at;
     MoveEntries(place + 1, place, Shared->Count - at);
-    new (place) AttributeEntry{Shared->NameUnits, type, flags, std::move(value)};
-    Shared->NameUnits += static_cast<uint32_t>(units);
+    new (place) AttributeEntry{Shared->AppendName(name, nameSize), type, flags, std::move(value)};
     ++Shared->Count;
 }
 

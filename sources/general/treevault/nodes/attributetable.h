@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The attributes of a node: entries sorted by name in one block of memory, which a node shares with
-// its clones until one of them writes a value.
+// The attributes of a node: entries sorted by name in one block of memory, with their names and
+// short values, which a node shares with its clones until one of them writes a value.
 #ifndef TREEVAULT_NODES_ATTRIBUTETABLE_H
 #define TREEVAULT_NODES_ATTRIBUTETABLE_H
 
@@ -12,6 +12,7 @@
 #include <treevault/values.h>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <new>
 #include <span>
@@ -90,6 +91,10 @@ public:
     static void ForEachPair(const AttributeTable& left, const AttributeTable& right,
                             const Visit& visit);
 
+    // Whether the entries of both have the same names, at the same places: tables that were filled
+    // alike. Other tables may have the same names too.
+    bool IsNamedLike(const AttributeTable& other) const noexcept;
+
     // Asks the processor for the first entries; needs no lock.
     void Prefetch() const noexcept { Shared.Prefetch(2); }
 
@@ -97,22 +102,34 @@ public:
     // strong guarantee holds.
     void Set(const WCHAR* name, ValueType type, const void* data, uint64_t size, uint16_t flags);
 
+    // For the only owner: the same for an entry of this table, which moves none of them.
+    void Overwrite(AttributeEntry& entry, ValueType type, const void* data, uint64_t size,
+                   uint16_t flags);
+
     // For the only owner.
     void Erase(AttributeEntry* entry) noexcept;
 
 private:
-    // The entries follow behind, and behind these the characters of their names.
+    // The entries follow behind, and behind these the area: names from its front, room that is lent
+    // to values from its end. What erased entries had stays used until the next block.
     struct alignas(AttributeEntry) Block {
         std::atomic<uint32_t> Owners;
         uint32_t Count;
         uint32_t Capacity;
-        uint32_t NameUnits; // used, with what erased entries left behind
-        uint32_t NameCapacity;
+        uint32_t AreaSize; // in bytes, like what is used of it
+        uint32_t NamesSize;
+        uint32_t RoomSize;
 
         AttributeEntry* Entries() noexcept {
             return std::launder(reinterpret_cast<AttributeEntry*>(this + 1));
         }
-        WCHAR* Names() noexcept { return reinterpret_cast<WCHAR*>(Entries() + Capacity); }
+        std::byte* Area() noexcept { return reinterpret_cast<std::byte*>(Entries() + Capacity); }
+        WCHAR* Names() noexcept { return reinterpret_cast<WCHAR*>(Area()); }
+        uint32_t Free() const noexcept { return AreaSize - NamesSize - RoomSize; }
+
+        // There must be so much free. The offset of the name, in code units.
+        uint32_t AppendName(const WCHAR* name, size_t size) noexcept;
+        void* TakeRoom(uint32_t size) noexcept;
     };
 
     // As unsigned code units, like every comparison of names.
@@ -125,10 +142,11 @@ private:
     }
 
     AttributeTable Copy() const;
-    static Block* Allocate(size_t entries, size_t nameUnits);
+    static Block* Allocate(size_t entries, size_t areaSize);
     static void Free(Block* block) noexcept;
     bool Search(const WCHAR* name, size_t& at) const noexcept;
-    void Reserve(size_t nameUnits);
+    void Reserve(size_t nameSize);
+    ValueStorage MakeValue(const void* data, uint64_t size, size_t kept = 0);
 
     PeekablePointer<Block> Shared;
 };
@@ -138,6 +156,11 @@ void AttributeTable::ForEachPair(const AttributeTable& left, const AttributeTabl
                                  const Visit& visit) {
     const std::span<AttributeEntry> lefts = left.Entries();
     const std::span<AttributeEntry> rights = right.Entries();
+    if (left.IsNamedLike(right)) {
+        for (size_t at = 0; at < lefts.size(); ++at)
+            visit(&lefts[at], &rights[at]);
+        return;
+    }
     auto fromLeft = lefts.begin();
     auto fromRight = rights.begin();
     while (fromLeft != lefts.end() || fromRight != rights.end()) {

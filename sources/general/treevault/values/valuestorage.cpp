@@ -7,21 +7,33 @@
 
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace treevault {
 
+ValueStorage::ValueStorage(void* room, uint32_t roomSize, const void* data, uint32_t size) noexcept
+    : Length(size), RoomSize(roomSize) {
+    Bytes.Outside = room;
+    Assign(data, size);
+}
+
 void ValueStorage::Release() noexcept {
-    if (IsOnHeap())
-        ::operator delete(Bytes.Block);
+    if (LiesOutside() && !LiesInRoom())
+        ::operator delete(Bytes.Outside);
     Length = 0;
+    RoomSize = 0;
+}
+
+void ValueStorage::Take(ValueStorage& other) noexcept {
+    Bytes = other.Bytes;
+    Length = std::exchange(other.Length, 0);
+    RoomSize = std::exchange(other.RoomSize, 0);
 }
 
 ValueStorage& ValueStorage::operator=(ValueStorage&& other) noexcept {
     if (this != &other) {
         Release();
-        Bytes = other.Bytes;
-        Length = other.Length;
-        other.Length = 0;
+        Take(other);
     }
     return *this;
 }
@@ -31,11 +43,13 @@ void ValueStorage::Resize(uint64_t size) {
         return;
     if (size > MaximumValueSize)
         ThrowHr(E_INVALIDARG);
-    Release();
-    if (size > InlineCapacity) {
-        Bytes.Block = ::operator new(size, std::nothrow);
-        if (!Bytes.Block)
-            ThrowOutOfMemory();
+    if (!Fits(size)) {
+        Release();
+        if (size > InlineCapacity) {
+            Bytes.Outside = ::operator new(size, std::nothrow);
+            if (!Bytes.Outside)
+                ThrowOutOfMemory();
+        }
     }
     Length = static_cast<uint32_t>(size);
 }
@@ -46,6 +60,11 @@ void ValueStorage::Assign(const void* data, uint64_t size) {
         std::memset(Data(), 0, size);
     else
         std::memcpy(Data(), data, size);
+}
+
+void ValueStorage::MoveRoom(void* room) noexcept {
+    std::memcpy(room, Bytes.Outside, Length);
+    Bytes.Outside = room;
 }
 
 } // namespace treevault

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The bytes of a value that a node owns: up to 8 inline, more on the heap.
+// The bytes of a value that a node owns: up to 8 inline, more on the heap or in room that whoever
+// holds the value lends it.
 #ifndef TREEVAULT_VALUES_VALUESTORAGE_H
 #define TREEVAULT_VALUES_VALUESTORAGE_H
 
@@ -7,27 +8,30 @@
 
 namespace treevault {
 
-// Owns its block alone. The last 4 of its 16 bytes are padding that a structure may fill: a member
-// marked [[no_unique_address]], or a base, is followed directly by what comes next.
+// Shares its bytes with nobody. Lent room stays that of its lender, whoever holds many values side
+// by side; it is used as long as the size fits into it and is more than what lies inline. A copy
+// never lies in it, a move takes it along.
 class ValueStorage {
 public:
     static constexpr uint32_t InlineCapacity = 8;
 
-    ValueStorage() noexcept : Bytes{}, Length(0) {}
+    ValueStorage() noexcept : Bytes{}, Length(0), RoomSize(0) {}
     ValueStorage(const void* data, uint64_t size) : ValueStorage() { Assign(data, size); }
+
+    // In lent room, which must suffice; for more than 8 bytes.
+    ValueStorage(void* room, uint32_t roomSize, const void* data, uint32_t size) noexcept;
+
     ValueStorage(const ValueStorage& other) : ValueStorage() {
-        if (other.IsOnHeap()) {
-            Assign(other.Bytes.Block, other.Length);
+        if (other.LiesOutside()) {
+            Assign(other.Bytes.Outside, other.Length);
         } else {
             Bytes = other.Bytes;
             Length = other.Length;
         }
     }
-    ValueStorage(ValueStorage&& other) noexcept : Bytes(other.Bytes), Length(other.Length) {
-        other.Length = 0;
-    }
+    ValueStorage(ValueStorage&& other) noexcept : ValueStorage() { Take(other); }
     ~ValueStorage() {
-        if (IsOnHeap())
+        if (LiesOutside() && !LiesInRoom())
             Release();
     }
 
@@ -35,7 +39,7 @@ public:
     ValueStorage& operator=(const ValueStorage& other) { return *this = ValueStorage(other); }
     ValueStorage& operator=(ValueStorage&& other) noexcept;
 
-    // Makes room for `size` bytes; what was held is not kept, unless the size is the same. Raises
+    // Makes place for `size` bytes; what was held is not kept, unless the size is the same. Raises
     // 0x80070057 for more than 32 bits (nothing changes) and 0x8007000E when memory runs out (the
     // storage is then empty).
     void Resize(uint64_t size);
@@ -43,20 +47,34 @@ public:
     // Resizes and copies; null data gives zeros. `data` is not to lie in this storage.
     void Assign(const void* data, uint64_t size);
 
+    // Whether so many bytes can be assigned without memory of their own.
+    bool Fits(uint64_t size) const noexcept {
+        return size == Length || (LiesInRoom() && size <= RoomSize && size > InlineCapacity);
+    }
+
+    // How much room was lent, 0 for none.
+    uint32_t LentRoom() const noexcept { return LiesInRoom() ? RoomSize : 0; }
+
+    // Moves the bytes from lent room into other room of the same size.
+    void MoveRoom(void* room) noexcept;
+
     // Never null.
-    void* Data() noexcept { return IsOnHeap() ? Bytes.Block : Bytes.Inline; }
-    const void* Data() const noexcept { return IsOnHeap() ? Bytes.Block : Bytes.Inline; }
+    void* Data() noexcept { return LiesOutside() ? Bytes.Outside : Bytes.Inline; }
+    const void* Data() const noexcept { return LiesOutside() ? Bytes.Outside : Bytes.Inline; }
     uint32_t Size() const noexcept { return Length; }
 
 private:
-    bool IsOnHeap() const noexcept { return Length > InlineCapacity; }
+    bool LiesOutside() const noexcept { return Length > InlineCapacity; }
+    bool LiesInRoom() const noexcept { return RoomSize != 0; }
+    void Take(ValueStorage& other) noexcept;
     void Release() noexcept;
 
     union {
         uint8_t Inline[InlineCapacity];
-        void* Block;
+        void* Outside;
     } Bytes;
     uint32_t Length;
+    uint32_t RoomSize; // 0 unless the bytes lie in lent room
 };
 
 static_assert(sizeof(ValueStorage) == 16);

@@ -181,8 +181,9 @@ struct SharedScenario : Scenario {
         EXPECT_EQ(Old, Get(Sharer, W("b")));
         EXPECT_EQ(0u, ModifiedState(Sharer, nullptr));
     }
-    const Value Old = TextValue(W("an old value on the heap"));
-    const Value New = TextValue(W("a new value on the heap"));
+    // Too long for the block of a table.
+    const Value Old = TextValue(W("an old value on the heap, where each has a block of its own"));
+    const Value New = TextValue(W("a new value on the heap, where each has a block of its own"));
     const Node Subject = Create(W("n"));
     Node Sharer;
 };

@@ -2,6 +2,8 @@
 // Setting and deleting of attributes.
 #include "support/nodes.h"
 
+#include <map>
+
 namespace treevault::tests {
 namespace {
 
@@ -50,6 +52,40 @@ TEST_F(AttributeWriting, ValueSizesAroundTheInlineLimit) {
         EXPECT_EQ(S_OK, Set(Subject, W("a"), value));
         EXPECT_EQ(value, Get(Subject, W("a")));
     }
+}
+
+// Every size beside every other, and each attribute with each size after each: short values lie
+// between the names and beside each other, so that one that grows could reach into the next.
+TEST_F(AttributeWriting, ValuesThatChangeTheirSizeLeaveTheOthersAlone) {
+    const size_t sizes[] = {0, 1, 8, 9, 15, 16, 17, 24, 63, 64, 65, 200};
+    const WCHAR* const names[] = {W("b"), W("a"), W("a longer name"), W("c"), W("d"), W("e")};
+    std::map<std::basic_string<WCHAR>, Value> expected;
+    const auto set = [&](IACNode* node, const WCHAR* name, size_t size) {
+        const auto fill = static_cast<char>('!' + (expected.size() * 7 + size) % 90);
+        const Value value{VtBinary, std::string(size, fill)};
+        ASSERT_EQ(S_OK, Set(node, name, value));
+        expected.insert_or_assign(name, value);
+    };
+    const auto expectAll = [&](IACNode* node) {
+        for (const auto& [name, value] : expected)
+            ASSERT_EQ(value, Get(node, name.c_str()));
+    };
+    for (const size_t former : sizes)
+        for (const size_t size : sizes)
+            for (const WCHAR* name : names) {
+                const Node clone = Clone(Subject);
+                const auto before = expected;
+                set(Subject, name, former);
+                set(Subject, name, size);
+                expectAll(Subject);
+                if (size == 17 && former == 64) {
+                    ASSERT_EQ(S_OK, AcnDeleteAttribute(Subject, name));
+                    expected.erase(name);
+                    expectAll(Subject);
+                }
+                for (const auto& [old, value] : before)
+                    ASSERT_EQ(value, Get(clone, old.c_str()));
+            }
 }
 
 TEST_F(AttributeWriting, BytesAreCopied) {

@@ -63,7 +63,7 @@ protected:
         case 1:
             return TextValue(AnyName());
         case 2:
-            return {VtBinary, std::string(Below(30), static_cast<char>(Below(256)))};
+            return {VtBinary, std::string(Below(90), static_cast<char>(Below(256)))};
         case 3:
             return {VtEmpty, ""};
         case 4:
@@ -207,7 +207,7 @@ protected:
         const auto* found =
             node.Table && node.Table->contains(name) ? &node.Table->at(name) : nullptr;
         const size_t needed = found ? found->Content.Bytes.size() : 0;
-        char buffer[64];
+        char buffer[100];
         const size_t capacity = Below(sizeof buffer);
         size_t size = capacity;
         ValueType stored = 0x7777;

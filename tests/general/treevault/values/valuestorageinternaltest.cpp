@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where a node keeps the bytes of a value, and who frees them.
+// Where the bytes of a value are kept, and who frees them.
 #include "general/treevault/values/valuestorage.h"
 
 #include "general/treevault/values/failingmemory.h"
@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace treevault::tests {
@@ -150,21 +151,68 @@ TEST_F(ValueStorageTest, ACopyThatFailsLeavesTheOldBytes) {
     EXPECT_EQ("old", BytesOf(target));
 }
 
-// What a structure puts behind it costs nothing.
-struct Entry {
-    [[no_unique_address]] ValueStorage Value;
-    uint16_t Type;
-    uint16_t Flags;
-};
-static_assert(sizeof(Entry) == sizeof(ValueStorage));
+// --- Lent room -----------------------------------------------------------------------------------
 
-TEST_F(ValueStorageTest, LeavesItsPaddingAlone) {
-    Entry entry{ValueStorage(), 0x1234, 0x5678};
-    entry.Value = ValueStorage("123456789", 9);
-    entry.Value.Assign("1", 1);
-    entry.Value = ValueStorage();
-    EXPECT_EQ(0x1234, entry.Type);
-    EXPECT_EQ(0x5678, entry.Flags);
+class LentRoom : public ValueStorageTest {
+protected:
+    char Room[24] = {};
+    ValueStorage Storage{Room, sizeof Room, "123456789", 9};
+};
+
+TEST_F(LentRoom, HoldsTheBytesWithoutABlock) {
+    EXPECT_EQ(static_cast<void*>(Room), Storage.Data());
+    EXPECT_EQ("123456789", BytesOf(Storage));
+    EXPECT_EQ(sizeof Room, Storage.LentRoom());
+    EXPECT_EQ(0u, Blocks());
+}
+
+TEST_F(LentRoom, IsUsedForWhatFits) {
+    for (const std::string_view bytes : {"987654321", "abcdefghijklmnopqrstuvwx", "0123456789"}) {
+        ASSERT_LE(bytes.size(), sizeof Room);
+        EXPECT_TRUE(Storage.Fits(bytes.size()));
+        Storage.Assign(bytes.data(), bytes.size());
+        EXPECT_EQ(static_cast<void*>(Room), Storage.Data());
+        EXPECT_EQ(bytes, BytesOf(Storage));
+    }
+    EXPECT_EQ(0u, Blocks());
+}
+
+TEST_F(LentRoom, IsLeftForWhatLiesInlineOrDoesNotFit) {
+    for (const size_t size : {size_t{8}, sizeof Room + 1}) {
+        ValueStorage storage(Room, sizeof Room, "123456789", 9);
+        EXPECT_FALSE(storage.Fits(size));
+        storage.Assign(std::string(size, 'x').data(), size);
+        EXPECT_NE(static_cast<void*>(Room), storage.Data());
+        EXPECT_EQ(std::string(size, 'x'), BytesOf(storage));
+        EXPECT_EQ(0u, storage.LentRoom());
+    }
+}
+
+TEST_F(LentRoom, ACopyLeavesItAlone) {
+    const ValueStorage copy(Storage);
+    Room[0] = '?';
+    EXPECT_EQ("123456789", BytesOf(copy));
+    EXPECT_EQ(0u, copy.LentRoom());
+    EXPECT_EQ(1u, Blocks());
+}
+
+TEST_F(LentRoom, AMoveTakesItAlong) {
+    ValueStorage target(std::move(Storage));
+    EXPECT_EQ(static_cast<void*>(Room), target.Data());
+    EXPECT_EQ(0u, Storage.LentRoom());
+    EXPECT_EQ(0u, Storage.Size());
+    Storage = ValueStorage("abcdefghijk", 11);
+    target = std::move(Storage);
+    EXPECT_EQ("abcdefghijk", BytesOf(target));
+    EXPECT_EQ(0u, target.LentRoom());
+    EXPECT_EQ(1u, Blocks());
+}
+
+TEST_F(LentRoom, CanBeChangedForOther) {
+    char other[sizeof Room] = {};
+    Storage.MoveRoom(other);
+    EXPECT_EQ(static_cast<void*>(other), Storage.Data());
+    EXPECT_EQ("123456789", BytesOf(Storage));
 }
 
 } // namespace
