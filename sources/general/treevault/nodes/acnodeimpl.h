@@ -80,10 +80,11 @@ public:
     // The attributes as if each were set anew, and the type. The strong guarantee holds.
     void RestoreAttributes(AttributeTable table, const WideString& type);
 
-    // Asks the processor for what lies behind this node; needs no lock.
+    // Asks the processor for what lies behind this node: its children, or the attributes of one
+    // that has none. Needs no lock.
     void Prefetch() const noexcept {
-        Attributes.Prefetch();
-        Children.Prefetch();
+        if (!Children.Prefetch())
+            Attributes.Prefetch();
     }
 
     // What a holder of Lock may read, or a holder of the parent's lock. References to children are

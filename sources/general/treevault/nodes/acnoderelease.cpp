@@ -5,11 +5,22 @@
 
 namespace treevault {
 
+namespace {
+
+// How many children are on their way from the memory while one is let go.
+constexpr size_t ChildrenAhead = 4;
+
+} // namespace
+
 // Lets the children go. Those that nobody else holds are put in front of the chain `dying`, which
 // runs through their Parent fields. The count of this node is 0 and so are theirs: nobody else
 // looks at them, and no lock is needed.
 void CACNodeImpl::PvtDropChildren(CACNodeImpl*& dying) noexcept {
-    for (CACNodeImpl* const child : Children.InOrder()) {
+    const std::span<CACNodeImpl* const> children = Children.InOrder();
+    for (size_t at = 0; at < children.size(); ++at) {
+        if (at + ChildrenAhead < children.size())
+            __builtin_prefetch(children[at + ChildrenAhead], 1);
+        CACNodeImpl* const child = children[at];
         if (!child->GiveUpLast(2)) {
             // Whoever holds it may look for its parent until it is told that there is none.
             child->ClearParent();

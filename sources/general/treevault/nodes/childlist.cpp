@@ -32,7 +32,9 @@ CACNodeImpl* ChildList::Find(WideView name) const noexcept {
         CACNodeImpl* const child = slots[at].Child;
         if (slots[at].Hash != hash)
             continue;
-        // Whoever looks for a child mostly reads it next: it comes while the names are compared.
+        // The name comes together with the child, and what is mostly read next while the names are
+        // compared.
+        slots[at].Name.Prefetch(1);
         child->Prefetch();
         if (EqualText(child->ShortName(), name))
             return child;
@@ -103,7 +105,7 @@ void ChildList::Reserve(size_t more) {
 }
 
 void ChildList::Append(WideView name, CACNodeImpl* child) noexcept {
-    Place({child, HashText(name)});
+    Place({child, child->PathUnderLock().Get(), HashText(name)});
     Lists->Children.push_back(child);
 }
 
@@ -115,7 +117,7 @@ void ChildList::Erase(size_t index, WideView name) noexcept {
 
 void ChildList::Rename(WideView oldName, WideView newName, CACNodeImpl* child) noexcept {
     Remove(HashText(oldName), child);
-    Place({child, HashText(newName)});
+    Place({child, child->PathUnderLock().Get(), HashText(newName)});
 }
 
 } // namespace treevault

@@ -14,6 +14,7 @@
 namespace treevault {
 
 class CACNodeImpl;
+struct NodePathLink;
 
 // Guarded by the lock of the parent, which keeps the names of the children as they are: they are
 // read where the children keep them. It holds two references to each child, one for each way to
@@ -45,8 +46,12 @@ public:
     void Erase(size_t index, WideView name) noexcept;
     void Rename(WideView oldName, WideView newName, CACNodeImpl* child) noexcept;
 
-    // Asks the processor for the lists; needs no lock.
-    void Prefetch() const noexcept { Lists.Prefetch(1); }
+    // Asks the processor for the lists, as far as few children need them; needs no lock. False if
+    // there are none.
+    bool Prefetch() const noexcept {
+        Lists.Prefetch(5);
+        return Lists.Get() != nullptr;
+    }
 
     void Clear() noexcept {
         Free(std::exchange(Lists, nullptr));
@@ -58,6 +63,7 @@ private:
     // with no free slot between; the last slot is followed by the first.
     struct Slot {
         CACNodeImpl* Child;
+        PeekablePointer<const NodePathLink> Name; // as it was when the child came
         uint32_t Hash;
     };
 
