@@ -96,6 +96,16 @@ void operator delete[](void* block, std::size_t) noexcept {
 void operator delete(void* block, const std::nothrow_t&) noexcept {
     treevault::tests::FailingMemory::Free(block);
 }
+// Memory resources of the standard library name the alignment, which is that of every block.
+void* operator new(std::size_t size, std::align_val_t) {
+    return operator new(size);
+}
+void operator delete(void* block, std::align_val_t) noexcept {
+    treevault::tests::FailingMemory::Free(block);
+}
+void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
+    treevault::tests::FailingMemory::Free(block);
+}
 void operator delete[](void* block, const std::nothrow_t&) noexcept {
     treevault::tests::FailingMemory::Free(block);
 }

@@ -16,10 +16,20 @@ public:
     explicit AnyNode(Ref<CACNodeImpl> node) noexcept
         : Node(Ref<IACNode>::Attach(node.Get())), Impl(node.Detach()) {}
 
+    // Adds a reference, which a node of the library brings along with its answer. None for null.
+    static AnyNode Share(IACNode* node) {
+        if (Ref<CACNodeImpl> own = node ? CACNodeImpl::TryGetImpl(node) : Ref<CACNodeImpl>())
+            return AnyNode(std::move(own));
+        AnyNode foreign;
+        foreign.Node = Ref<IACNode>::Share(node);
+        return foreign;
+    }
+
     IACNode* Get() const noexcept { return Node.Get(); }
     IACNode* operator->() const noexcept { return Node.Get(); }
     explicit operator bool() const noexcept { return static_cast<bool>(Node); }
     operator const Ref<IACNode>&() const noexcept { return Node; }
+    Ref<IACNode> Take() && noexcept { return std::move(Node); }
 
     // The same node as one of the library, or null.
     CACNodeImpl* Own() const noexcept { return Impl; }

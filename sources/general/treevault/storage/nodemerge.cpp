@@ -138,7 +138,7 @@ void NodeMerge::BeginChange(IACNode* existing, const WCHAR* name) {
     EnsureSnapshot(existing);
     if (ChangedNames.empty()) {
         const auto stored = Ref<IACNode>::Share(existing);
-        Group.AddUndo(CPendingOperations::MakeUndo([snapshot = Snapshot, stored] {
+        Group.AddUndo(Group.MakeUndo([snapshot = Snapshot, stored] {
             if (snapshot.Get() != stored.Get())
                 RestoreAttributes(snapshot.Get(), stored.Get());
             HRES{stored->SetType(ReadType(snapshot.Get()).c_str())};
@@ -216,17 +216,20 @@ bool NodeMerge::IsTaken(const AttributeTable& given, const AttributeEntry* oldEn
 
 // What is set comes before what goes.
 void NodeMerge::ListChanges(const AttributeTable& old, const AttributeTable& given) {
+    const auto placeOf = [&](const AttributeEntry* oldEntry) {
+        return oldEntry ? static_cast<size_t>(oldEntry - old.Entries().data()) : Change::Nowhere;
+    };
     AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
         if (!IsTaken(given, oldEntry, entry))
             return;
         if (Changes.empty())
             Changes.reserve(given.Entries().size());
-        Changes.push_back({given.Name(*entry), entry});
+        Changes.push_back({given.Name(*entry), entry, placeOf(oldEntry)});
     });
     if (ReplacesAttributes())
         AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
             if (!entry && *old.Name(*oldEntry) != 0)
-                Changes.push_back({old.Name(*oldEntry), nullptr});
+                Changes.push_back({old.Name(*oldEntry), nullptr, placeOf(oldEntry)});
         });
 }
 
@@ -237,11 +240,28 @@ void NodeMerge::KeepBefore(CACNodeImpl& existing, AttributeTable before) {
         for (const Change& change : Changes)
             ChangedNames.append(change.Name).push_back(0);
     }
-    Group.AddUndo(CPendingOperations::MakeUndo(
-        [stored = Ref<CACNodeImpl>::Share(&existing), table = std::move(before),
-         type = WideString(existing.TypeUnderLock())]() mutable {
+    Group.AddUndo(
+        Group.MakeUndo([stored = Ref<CACNodeImpl>::Share(&existing), table = std::move(before),
+                        type = WideString(existing.TypeUnderLock())]() mutable {
             stored->RestoreAttributes(std::move(table), type);
         }));
+}
+
+// Values change where they are. Then comes what goes: its names lie in a block that a new entry may
+// replace. The last one goes first, so that the others keep their places.
+void NodeMerge::MakeChanges(AttributeTable& stored) {
+    stored.EnsureOwn();
+    for (const auto& [name, entry, place] : Changes)
+        if (entry && place != Change::Nowhere)
+            stored.Overwrite(stored.Entries()[place], entry->Type, entry->Value.Data(),
+                             entry->Value.Size(), AttributeModified);
+    for (auto change = Changes.rbegin(); change != Changes.rend(); ++change)
+        if (!change->Entry)
+            stored.Erase(&stored.Entries()[change->Place]);
+    for (const auto& [name, entry, place] : Changes)
+        if (entry && place == Change::Nowhere)
+            stored.Set(name, entry->Type, entry->Value.Data(), entry->Value.Size(),
+                       AttributeModified);
 }
 
 // Nodes of the library are compared where their values lie. The given table is shared meanwhile, so
@@ -255,15 +275,7 @@ void NodeMerge::MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& giv
     if (!Changes.empty()) {
         AttributeTable& stored = existing.AttributesUnderLock();
         KeepBefore(existing, stored.Keep());
-        stored.EnsureOwn();
-        // First what goes: its names lie in a block that a new entry may replace.
-        for (const auto& [name, entry] : Changes)
-            if (!entry)
-                stored.Erase(stored.Find(name));
-        for (const auto& [name, entry] : Changes)
-            if (entry)
-                stored.Set(name, entry->Type, entry->Value.Data(), entry->Value.Size(),
-                           AttributeModified);
+        MakeChanges(stored);
     }
     MergeType(&existing, existing.TypeUnderLock(), givenType);
 }

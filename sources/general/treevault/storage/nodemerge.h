@@ -3,10 +3,12 @@
 #ifndef TREEVAULT_STORAGE_NODEMERGE_H
 #define TREEVAULT_STORAGE_NODEMERGE_H
 
+#include "common/inlinememory.h"
 #include "general/treevault/nodes/acnodeimpl.h"
 #include "general/treevault/nodes/nodereading.h"
 #include "general/treevault/storage/memorystorage.h"
 
+#include <cstdint>
 #include <map>
 #include <vector>
 
@@ -33,8 +35,11 @@ private:
 
     // An attribute that the stored node is to get, or to lose where there is no entry.
     struct Change {
+        static constexpr size_t Nowhere = SIZE_MAX;
+
         const WCHAR* Name;
         const AttributeEntry* Entry;
+        size_t Place; // in the stored table, or nowhere
     };
 
     // Two nodes that have met, and how far their children are through.
@@ -56,6 +61,7 @@ private:
                  const AttributeEntry* entry) const noexcept;
     void ListChanges(const AttributeTable& old, const AttributeTable& given);
     void KeepBefore(CACNodeImpl& existing, AttributeTable before);
+    void MakeChanges(AttributeTable& stored);
     void MergeForeignAttributes(IACNode* existing, IACNode* given);
     void MergeAttribute(IACNode* existing, IACNode* given, const WCHAR* name);
     void ReplaceAttributes(IACNode* existing, IACNode* given);
@@ -73,9 +79,11 @@ private:
 
     // Of the pair of nodes at work. Where both are of the library, the first two are but for those
     // who are told.
-    Ref<IACNode> Snapshot;       // the stored node before its first change
-    WideText ChangedNames;       // each changed attribute with its terminator
-    std::vector<Change> Changes; // where both are nodes of the library
+    Ref<IACNode> Snapshot; // the stored node before its first change
+    WideText ChangedNames; // each changed attribute with its terminator
+    InlineMemory<8 * sizeof(Change)> ChangesMemory;
+    std::pmr::vector<Change> Changes{
+        ChangesMemory.Resource()}; // where both are nodes of the library
 
     RawAttribute GivenValue;
     RawAttribute StoredValue;

@@ -16,9 +16,9 @@ namespace {
 
 constexpr WideView TopPath = TV_W("\\");
 
-WideText UntilNul(const void* data, size_t bytes) {
+WideView UntilNul(const void* data, size_t bytes) {
     const WideView text(static_cast<const WCHAR*>(data), bytes / sizeof(WCHAR));
-    return WideText(text.substr(0, FindUnit(text, WCHAR())));
+    return text.substr(0, FindUnit(text, WCHAR()));
 }
 
 // The path is required: a missing one is raised like any other failure.
@@ -33,7 +33,7 @@ WideText ReadNodePath(IACNode* filter) {
         const HRESULT hr = filter->GetAttribute(TV_W("NodePath"), &wanted, buffer, &bytes, nullptr);
         if (hr != TREEVAULT_E_INSUFFICIENT_BUFFER || bytes <= capacity) {
             HRES{hr};
-            return UntilNul(buffer, std::min(bytes, capacity));
+            return WideText(UntilNul(buffer, std::min(bytes, capacity)));
         }
         more.resize(bytes / sizeof(WCHAR) + 1);
         buffer = more.data();
@@ -41,53 +41,36 @@ WideText ReadNodePath(IACNode* filter) {
     }
 }
 
-// Reads the node of a filter. One of the library is looked at where its values lie: mostly it holds
-// but a path, as text. What it lacks is asked for only where the question leaves a trace.
-class FilterReader {
-public:
-    explicit FilterReader(const AnyNode& filter)
-        : Filter(filter.Get()), IsOwn(filter.Own() && !WasSeverityEnabled(SeverityDbg2) &&
-                                      !IsAdvancedErrorInfoEnabled()) {
-        if (IsOwn)
-            Attributes = filter.Own()->GetAttributeTable();
-    }
-
-    WideText Path() const {
-        const AttributeEntry* const entry = Attributes.Find(TV_W("NodePath"));
-        return entry && entry->Type == VtStringW
-                   ? UntilNul(entry->Value.Data(), entry->Value.Size())
-                   : ReadNodePath(Filter);
-    }
-
-    template <class Value>
-    bool Read(const WCHAR* name, ValueType wantedType, Value& value) const {
-        return (!IsOwn || Attributes.Find(name)) && ReadOptional(Filter, name, wantedType, value);
-    }
-
-private:
-    IACNode* Filter;
-    bool IsOwn;
-    AttributeTable Attributes;
-};
-
-void CheckPath(const WideText& path) {
+void CheckPath(WideView path) {
     if (!path.empty() && path.front() == PathSeparator)
         return;
     // A bare name would be a search through the whole storage, which there is not.
-    ThrowHr(path.find(PathSeparator) == WideText::npos ? E_NOTIMPL : TREEVAULT_E_STG_BAD_PATH);
+    ThrowHr(path.find(PathSeparator) == WideView::npos ? E_NOTIMPL : TREEVAULT_E_STG_BAD_PATH);
 }
 
 } // namespace
 
-CMemoryStorage::CNodesByPathFilter::CNodesByPathFilter(const AnyNode& filter, bool handOutStored)
-    : HandOutStored(handOutStored) {
-    const FilterReader reader(filter);
-    NodePath = reader.Path();
+// A node of the library is looked at where its values lie: mostly it holds but a path, as text, and
+// what it lacks is asked for only where the question leaves a trace.
+CMemoryStorage::CNodesByPathFilter::CNodesByPathFilter(IACNode* filter, AttributeTable parameters,
+                                                       bool handOutStored)
+    : HandOutStored(handOutStored), Parameters(std::move(parameters)) {
+    const bool looksInside =
+        Parameters && !WasSeverityEnabled(SeverityDbg2) && !IsAdvancedErrorInfoEnabled();
+    const AttributeEntry* const path = looksInside ? Parameters.Find(TV_W("NodePath")) : nullptr;
+    if (path && path->Type == VtStringW)
+        NodePath = UntilNul(path->Value.Data(), path->Value.Size());
+    else
+        NodePath = ReadPath = ReadNodePath(filter);
+    const auto read = [&](const WCHAR* name, ValueType wantedType, auto& value) {
+        return (!looksInside || Parameters.Find(name)) &&
+               ReadOptional(filter, name, wantedType, value);
+    };
     uint8_t isParent = 0;
-    if (reader.Read(TV_W("IsParent"), VtBool, isParent))
+    if (read(TV_W("IsParent"), VtBool, isParent))
         IsParent = isParent != 0;
     int32_t maxDepth = 0;
-    if (reader.Read(TV_W("MaxDepth"), VtUInt32, maxDepth))
+    if (read(TV_W("MaxDepth"), VtUInt32, maxDepth))
         MaxDepth = maxDepth;
     CheckPath(NodePath);
 }
@@ -106,11 +89,11 @@ void CMemoryStorage::CNodesByPathFilter::Prepare(CMemoryStorage& storage) {
         storage.PvtForEachRoot([&](const NodeRef& root) { NodeQueue.push_back(root); });
         return;
     }
-    const AnyNode node = storage.PvtFindNodeByPath(NodePath, false, nullptr);
+    AnyNode node = storage.PvtFindNodeByPath(NodePath, false, nullptr);
     if (!node)
         return;
     if (!IsParent) {
-        NodeQueue.push_back(node);
+        NodeQueue.push_back(std::move(node).Take());
         return;
     }
     size_t count = 0;

@@ -3,6 +3,7 @@
 #ifndef TREEVAULT_STORAGE_NODESBYPATHFILTER_H
 #define TREEVAULT_STORAGE_NODESBYPATHFILTER_H
 
+#include "common/inlinememory.h"
 #include "general/treevault/storage/memorystorage.h"
 
 #include <vector>
@@ -31,7 +32,8 @@ public:
     using ComponentHead::QueryInterface;
     using ComponentHead::Release;
 
-    CNodesByPathFilter(const AnyNode& filter, bool handOutStored);
+    // `parameters` are the attributes of a filter node of the library.
+    CNodesByPathFilter(IACNode* filter, AttributeTable parameters, bool handOutStored);
 
     HRESULT Lookup(const GUID* iid, void** out) noexcept;
     void TREEVAULT_CALL Prepare(CMemoryStorage& storage) override;
@@ -41,11 +43,15 @@ protected:
     ~CNodesByPathFilter() = default;
 
 private:
-    bool HandOutStored; // otherwise clones
-    WideText NodePath;
+    bool HandOutStored;        // otherwise clones
+    AttributeTable Parameters; // none if the filter node is foreign
+    WideText ReadPath;         // where it does not lie in the table
+    WideView NodePath;
     bool IsParent = false;
     int64_t MaxDepth = -1;
-    std::vector<NodeRef> NodeQueue; // in front of NextInQueue they are handed out
+    InlineMemory<8 * sizeof(NodeRef)> QueueMemory;
+    std::pmr::vector<NodeRef> NodeQueue{
+        QueueMemory.Resource()}; // in front of NextInQueue they are handed out
     size_t NextInQueue = 0;
 };
 

@@ -24,6 +24,12 @@ void CPendingOperations::DropUndoList() noexcept {
         TakeUndo();
 }
 
+void CPendingOperations::Destroy(Step* undo) noexcept {
+    undo->~Step();
+    if (--UndoSteps == 0)
+        UndoMemory.Release();
+}
+
 void CPendingOperations::Execute() {
     try {
         const FunctionTrace trace(TV_W("CPendingOperations::Execute"), SeverityDbg2);

@@ -4,10 +4,10 @@
 #define TREEVAULT_STORAGE_PENDINGOPERATIONS_H
 
 #include "common/components/componentobject.h"
+#include "common/inlinememory.h"
 
 #include <cstddef>
 #include <memory>
-#include <memory_resource>
 
 namespace treevault {
 
@@ -29,7 +29,13 @@ public:
         friend class CPendingOperations;
         Step* Next = nullptr;
     };
-    using Undo = std::unique_ptr<Step>;
+
+    // The memory of a step is the group's.
+    struct DestroyUndo {
+        CPendingOperations* Group = nullptr;
+        void operator()(Step* step) const noexcept { Group->Destroy(step); }
+    };
+    using Undo = std::unique_ptr<Step, DestroyUndo>;
 
     explicit CPendingOperations(CMemoryStorage& storage) : Storage(storage) {}
 
@@ -37,16 +43,17 @@ public:
 
     template <class Callable>
     void AddOperation(Callable&& operation) {
-        void* const memory = Memory.allocate(sizeof(Calling<Callable>), alignof(Calling<Callable>));
-        Step* const step = new (memory) Calling<Callable>(std::move(operation));
+        Step* const step = MakeStep(OperationMemory.Resource(), std::move(operation));
         *OperationsEnd = step;
         OperationsEnd = &step->Next;
     }
 
     // Is made before the change that it undoes, so that nothing can fail any more when it is added.
     template <class Callable>
-    static Undo MakeUndo(Callable&& callable) {
-        return std::make_unique<Calling<Callable>>(std::move(callable));
+    Undo MakeUndo(Callable&& callable) {
+        Step* const step = MakeStep(UndoMemory.Resource(), std::move(callable));
+        ++UndoSteps;
+        return Undo(step, {this});
     }
 
     // None is left out.
@@ -79,7 +86,17 @@ private:
         Callable What;
     };
 
-    Undo TakeUndo() noexcept { return Undo(std::exchange(UndoList, UndoList->Next)); }
+    // Steps lie side by side; one needs no block.
+    using StepMemory = InlineMemory<96>;
+
+    template <class Callable>
+    static Step* MakeStep(std::pmr::memory_resource* memory, Callable&& callable) {
+        using Made = Calling<Callable>;
+        return new (memory->allocate(sizeof(Made), alignof(Made))) Made(std::move(callable));
+    }
+
+    Undo TakeUndo() noexcept { return Undo(std::exchange(UndoList, UndoList->Next), {this}); }
+    void Destroy(Step* undo) noexcept;
     void DropOperations() noexcept;
     void DropUndoList() noexcept;
 
@@ -88,13 +105,12 @@ private:
 
     CMemoryStorage& Storage;
 
-    // Operations lie side by side, the first one inside the group, until the group goes.
-    alignas(std::max_align_t) std::byte FirstMemory[96];
-    std::pmr::monotonic_buffer_resource Memory{FirstMemory, sizeof FirstMemory,
-                                               std::pmr::new_delete_resource()};
-
+    StepMemory OperationMemory; // until the group goes
     Step* Operations = nullptr; // in the order of adding; one that runs may add another
     Step** OperationsEnd = &Operations;
+
+    StepMemory UndoMemory; // until there is no step in it
+    size_t UndoSteps = 0;
     Step* UndoList = nullptr; // the last one first
 };
 

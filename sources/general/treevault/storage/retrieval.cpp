@@ -8,22 +8,18 @@
 
 namespace treevault {
 
-namespace {
-
-bool IsFilterByPath(const AnyNode& filter) {
-    if (const CACNodeImpl* const own = filter.Own())
-        return EqualText(own->GetTypeName(), TREEVAULT_FILTER_BY_PATH);
-    return ReadType(filter.Get()) == TREEVAULT_FILTER_BY_PATH;
-}
-
-} // namespace
-
 Ref<INodeFilter> CMemoryStorage::CreateFilter(IACNode* filter, bool handOutStored) {
-    const AnyNode node(NodeRef::Share(filter));
-    if (!IsFilterByPath(node))
+    const AnyNode node = AnyNode::Share(filter);
+    AttributeTable parameters;
+    WideString type;
+    if (const CACNodeImpl* const own = node.Own())
+        own->GetContent(parameters, type);
+    else
+        type = WideString(ReadType(filter));
+    if (!EqualText(type, TREEVAULT_FILTER_BY_PATH))
         ThrowHr(TREEVAULT_E_STG_BAD_FILTER);
     return Ref<INodeFilter>::Attach(
-        MakeComponent<CNodesByPathFilter>(node, handOutStored).Detach());
+        MakeComponent<CNodesByPathFilter>(filter, std::move(parameters), handOutStored).Detach());
 }
 
 HRESULT CMemoryStorage::RetrieveData(IACNode* filter, IRetrievalContext** context, IACNode** nodes,
@@ -64,7 +60,9 @@ HRESULT CMemoryStorage::RetrieveNextData(IRetrievalContext* context, IACNode** n
         HRES{context->QueryInterface(&IID_INodeFilter, reinterpret_cast<void**>(selection.Put()))};
         if (maxNodes > 0x1FFFFFFFFFFFFFFF)
             ThrowHr(E_INVALIDARG);
-        std::vector<NodeRef> batch; // grows as nodes come: callers may ask for more than there are
+        // Grows as nodes come: callers may ask for more than there are.
+        InlineMemory<16 * sizeof(NodeRef)> memory;
+        std::pmr::vector<NodeRef> batch(memory.Resource());
         while (batch.size() < maxNodes) {
             NodeRef node;
             selection->GetNext(node.Put());

@@ -24,13 +24,12 @@ HRESULT CMemoryStorage::StoreData(IOperationsGroup* group, StoreMode mode, IACNo
         CheckOutPointer(nodes);
         const Ref<CPendingOperations> journal = PvtJournalOf(group);
         for (uint64_t at = 0; at < count; ++at) {
-            NodeRef node = NodeRef::Share(nodes[at]);
-            LogNode(SeverityDbg3, TV_W("Storing: "), node.Get());
-            // What the caller does to its node before the group runs does not matter.
-            if (group)
-                node = CloneNode(nodes[at], TREEVAULT_ALL_LEVELS);
+            LogNode(SeverityDbg3, TV_W("Storing: "), nodes[at]);
+            // What the caller does to its node before a group of its own runs does not matter.
+            AnyNode node = group ? AnyNode(CloneNode(nodes[at], TREEVAULT_ALL_LEVELS))
+                                 : AnyNode::Share(nodes[at]);
             journal->AddOperation(
-                [this, mode, given = AnyNode(std::move(node)), alreadyCloned = group != nullptr,
+                [this, mode, given = std::move(node), alreadyCloned = group != nullptr,
                  target = journal.Get()] { PvtStoreNode(mode, given, alreadyCloned, *target); });
         }
         if (!group)
@@ -203,8 +202,8 @@ void CMemoryStorage::PvtAddNode(const NodeRef& parent, const NodeRef& given, boo
     const NodeRef node = alreadyCloned ? given : CloneNode(given.Get(), TREEVAULT_ALL_LEVELS);
     CPendingOperations::Undo undo;
     if (MaintainAtomicity)
-        undo = CPendingOperations::MakeUndo(
-            [this, parent, node, name] { PvtDetachNode(parent.Get(), node, name); });
+        undo =
+            group.MakeUndo([this, parent, node, name] { PvtDetachNode(parent.Get(), node, name); });
     PvtAttachNode(parent.Get(), node, name);
     group.AddUndo(std::move(undo));
     PvtSignalModified(nullptr, node.Get(), ModifyNodeCreated, nullptr);
@@ -216,7 +215,7 @@ void CMemoryStorage::PvtRemoveNode(const NodeRef& parent, const NodeRef& existin
     const WideText name = ReadName(existing.Get());
     CPendingOperations::Undo undo;
     if (MaintainAtomicity)
-        undo = CPendingOperations::MakeUndo([this, parent, existing] {
+        undo = group.MakeUndo([this, parent, existing] {
             PvtAttachNode(parent.Get(), existing, ReadName(existing.Get()));
         });
     // What an observer's own delete took away meanwhile is not put back by this group.

@@ -215,6 +215,19 @@ TEST_F(StorageMemory, Group) {
     Sweep<GroupScenario>();
 }
 
+// A group that fails may be finished again, as often as its owner likes.
+TEST_F(StorageMemory, RefusedRunsOfAGroupDoNotAddUp) {
+    Storage subject("a{v=1} b{v=1} c{v=1} d{v=1} e{v=1}");
+    Group group(subject);
+    group.Store(StoreMergeAll, "a{v=2} b{v=2} c{v=2} d{v=2} e{v=2} f{v=2}").Delete("\\");
+    ExpectNoLeak([&] {
+        for (int times = 0; times < 20; ++times)
+            EXPECT_EQ(TREEVAULT_E_STG_BAD_PATH, group.Finish());
+        ClearRecord();
+    });
+    EXPECT_EQ("a{v=1} b{v=1} c{v=1} d{v=1} e{v=1}", Forest(subject));
+}
+
 // --- Others --------------------------------------------------------------------------------------
 
 struct DeleteScenario : Scenario {

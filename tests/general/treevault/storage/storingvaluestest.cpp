@@ -56,6 +56,23 @@ TEST_F(StoringValues, LargeValuesAreComparedWhole) {
     }
 }
 
+// Both were filled alike; what was deleted from them leaves as many attributes, of other names.
+TEST_F(StoringValues, AttributesMeetByNameWhateverWasDeletedBefore) {
+    const auto make = [](const WCHAR* deleted, int32_t first) {
+        Node node = Create(W("n"));
+        for (const WCHAR* name : {W("a"), W("b"), W("c")})
+            EXPECT_EQ(S_OK, SetInt(node, name, first++));
+        EXPECT_EQ(S_OK, AcnDeleteAttribute(node, deleted));
+        return node;
+    };
+    Storage storage;
+    ASSERT_EQ(S_OK, StoreNodes(storage, nullptr, StoreMergeAll, {make(W("b"), 1)}));
+    ASSERT_EQ(S_OK, StoreNodes(storage, nullptr, StoreMergeAll, {make(W("c"), 11)}));
+    EXPECT_EQ("n{a=11 b=12 c=3}", Forest(storage));
+    ASSERT_EQ(S_OK, StoreNodes(storage, nullptr, StoreReplaceAll, {make(W("a"), 21)}));
+    EXPECT_EQ("n{b=22 c=23}", Forest(storage));
+}
+
 // --- What a change shows -------------------------------------------------------------------------
 
 TEST_F(StoringValues, ChangeHoldsTheOldAttributesAndTypeWithoutChildren) {
