@@ -9,7 +9,7 @@
 namespace treevault {
 
 // For what is made piece by piece and goes together: the first `Size` bytes cost no allocation, and
-// what is given back is used again only when all of it is.
+// pieces that are given back one by one are not used again before Release.
 template <size_t Size>
 class InlineMemory {
 public:

@@ -75,11 +75,6 @@ PathRef CACNodeImpl::GetPathLink() const noexcept {
     return Path;
 }
 
-AttributeTable CACNodeImpl::GetAttributeTable() const noexcept {
-    const LockGuard guard(Lock);
-    return Attributes;
-}
-
 void CACNodeImpl::GetContent(AttributeTable& attributes, WideString& type) const noexcept {
     const LockGuard guard(Lock);
     attributes = Attributes;

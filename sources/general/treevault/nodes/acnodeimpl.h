@@ -69,7 +69,6 @@ public:
 
     WideString GetTypeName() const noexcept;
     PathRef GetPathLink() const noexcept;
-    AttributeTable GetAttributeTable() const noexcept;
 
     // Both as they are at one moment.
     void GetContent(AttributeTable& attributes, WideString& type) const noexcept;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The block of an attribute table: a head, the entries, and the characters of their names.
+// The block of an attribute table: a head, the entries, and an area for their names and short
+// values.
 #include "general/treevault/nodes/attributetable.h"
 
 #include "common/errorhandling.h"
@@ -20,7 +21,7 @@ constexpr size_t FirstAreaSize = 128;
 // Longer values lie in blocks of their own: they would be copied whenever the table grows.
 constexpr uint32_t LongestInTable = 64;
 
-// Room begins where any element of an array may.
+// Room is aligned and counted in steps of 8 bytes, enough for the elements of any array.
 constexpr size_t RoundUp(size_t size) noexcept {
     return (size + 7) & ~size_t{7};
 }
@@ -125,14 +126,16 @@ void AttributeTable::EnsureOwn() {
 // Sees to it that one more entry fits, and its name, in a new block if need be; what erased entries
 // left behind is dropped then.
 void AttributeTable::Reserve(size_t nameSize) {
-    if (Shared->Count < Shared->Capacity && nameSize <= Shared->Free())
+    if (Shared->Count < Shared->Capacity && nameSize <= Shared->FreeSize())
         return;
     size_t used = nameSize;
     for (const AttributeEntry& entry : Entries())
         used += NameSize(Name(entry)) + entry.Value.LentRoom();
-    const size_t growth = Shared->Count < Shared->Capacity ? 1 : 2;
-    Block* const grown = Allocate(Shared->Capacity * growth,
-                                  RoundUp(std::max(Shared->AreaSize * growth, used + used / 2)));
+    const size_t entries =
+        Shared->Count < Shared->Capacity ? Shared->Capacity : Shared->Capacity * size_t{2};
+    const size_t area = std::max<size_t>(Shared->AreaSize, used + used / 2);
+    Block* const grown =
+        Allocate(entries, RoundUp(std::max(area, entries * FirstAreaSize / FirstCapacity)));
     MoveEntries(grown->Entries(), Shared->Entries(), Shared->Count);
     for (AttributeEntry& entry : std::span(grown->Entries(), Shared->Count)) {
         const WCHAR* name = Name(entry);
@@ -148,7 +151,7 @@ void AttributeTable::Reserve(size_t nameSize) {
 // free.
 ValueStorage AttributeTable::MakeValue(const void* data, uint64_t size, size_t kept) {
     if (size <= ValueStorage::InlineCapacity || size > LongestInTable ||
-        RoundUp(size) + kept > Shared->Free())
+        RoundUp(size) + kept > Shared->FreeSize())
         return ValueStorage(data, size);
     const auto room = static_cast<uint32_t>(RoundUp(size));
     return ValueStorage(Shared->TakeRoom(room), room, data, static_cast<uint32_t>(size));

@@ -91,10 +91,6 @@ public:
     static void ForEachPair(const AttributeTable& left, const AttributeTable& right,
                             const Visit& visit);
 
-    // Whether the entries of both have the same names, at the same places: tables that were filled
-    // alike. Other tables may have the same names too.
-    bool IsNamedLike(const AttributeTable& other) const noexcept;
-
     // Asks the processor for the first entries; needs no lock.
     void Prefetch() const noexcept { Shared.Prefetch(2); }
 
@@ -102,7 +98,8 @@ public:
     // strong guarantee holds.
     void Set(const WCHAR* name, ValueType type, const void* data, uint64_t size, uint16_t flags);
 
-    // For the only owner: the same for an entry of this table, which moves none of them.
+    // For the only owner: sets the value of an entry of this table; no entry moves. The strong
+    // guarantee holds.
     void Overwrite(AttributeEntry& entry, ValueType type, const void* data, uint64_t size,
                    uint16_t flags);
 
@@ -125,7 +122,7 @@ private:
         }
         std::byte* Area() noexcept { return reinterpret_cast<std::byte*>(Entries() + Capacity); }
         WCHAR* Names() noexcept { return reinterpret_cast<WCHAR*>(Area()); }
-        uint32_t Free() const noexcept { return AreaSize - NamesSize - RoomSize; }
+        uint32_t FreeSize() const noexcept { return AreaSize - NamesSize - RoomSize; }
 
         // There must be so much free. The offset of the name, in code units.
         uint32_t AppendName(const WCHAR* name, size_t size) noexcept;
@@ -146,6 +143,10 @@ private:
     static void Free(Block* block) noexcept;
     bool Search(const WCHAR* name, size_t& at) const noexcept;
     void Reserve(size_t nameSize);
+
+    // True only if both have the same names, told by where these lie; false also for equal names
+    // that were added in another order.
+    bool IsNamedLike(const AttributeTable& other) const noexcept;
     ValueStorage MakeValue(const void* data, uint64_t size, size_t kept = 0);
 
     PeekablePointer<Block> Shared;

@@ -34,7 +34,7 @@ CACNodeImpl* ChildList::Find(WideView name) const noexcept {
             continue;
         // The name comes together with the child, and what is mostly read next while the names are
         // compared.
-        slots[at].Name.Prefetch(1);
+        slots[at].Path.Prefetch(1);
         child->Prefetch();
         if (EqualText(child->ShortName(), name))
             return child;

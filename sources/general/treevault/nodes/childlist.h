@@ -46,8 +46,8 @@ public:
     void Erase(size_t index, WideView name) noexcept;
     void Rename(WideView oldName, WideView newName, CACNodeImpl* child) noexcept;
 
-    // Asks the processor for the lists, as far as few children need them; needs no lock. False if
-    // there are none.
+    // Asks the processor for the lists, of many children only for the first part; needs no lock.
+    // False if there are none.
     bool Prefetch() const noexcept {
         Lists.Prefetch(5);
         return Lists.Get() != nullptr;
@@ -63,7 +63,7 @@ private:
     // with no free slot between; the last slot is followed by the first.
     struct Slot {
         CACNodeImpl* Child;
-        PeekablePointer<const NodePathLink> Name; // as it was when the child came
+        PeekablePointer<const NodePathLink> Path; // when it came; may be gone: only prefetched
         uint32_t Hash;
     };
 

@@ -29,7 +29,10 @@ public:
     IACNode* operator->() const noexcept { return Node.Get(); }
     explicit operator bool() const noexcept { return static_cast<bool>(Node); }
     operator const Ref<IACNode>&() const noexcept { return Node; }
-    Ref<IACNode> Take() && noexcept { return std::move(Node); }
+    Ref<IACNode> Take() && noexcept {
+        Impl = nullptr;
+        return std::move(Node);
+    }
 
     // The same node as one of the library, or null.
     CACNodeImpl* Own() const noexcept { return Impl; }

@@ -216,14 +216,13 @@ bool NodeMerge::IsTaken(const AttributeTable& given, const AttributeEntry* oldEn
 
 // What is set comes before what goes.
 void NodeMerge::ListChanges(const AttributeTable& old, const AttributeTable& given) {
+    Changes.reserve(ChangesInside);
     const auto placeOf = [&](const AttributeEntry* oldEntry) {
         return oldEntry ? static_cast<size_t>(oldEntry - old.Entries().data()) : Change::Nowhere;
     };
     AttributeTable::ForEachPair(old, given, [&](auto* oldEntry, auto* entry) {
         if (!IsTaken(given, oldEntry, entry))
             return;
-        if (Changes.empty())
-            Changes.reserve(given.Entries().size());
         Changes.push_back({given.Name(*entry), entry, placeOf(oldEntry)});
     });
     if (ReplacesAttributes())
@@ -247,8 +246,8 @@ void NodeMerge::KeepBefore(CACNodeImpl& existing, AttributeTable before) {
         }));
 }
 
-// Values change where they are. Then comes what goes: its names lie in a block that a new entry may
-// replace. The last one goes first, so that the others keep their places.
+// Values change where they are. What goes is erased from the last place to the first, so that the
+// others keep theirs; what is new comes last, since it moves the places.
 void NodeMerge::MakeChanges(AttributeTable& stored) {
     stored.EnsureOwn();
     for (const auto& [name, entry, place] : Changes)

@@ -81,7 +81,8 @@ private:
     // who are told.
     Ref<IACNode> Snapshot; // the stored node before its first change
     WideText ChangedNames; // each changed attribute with its terminator
-    InlineMemory<8 * sizeof(Change)> ChangesMemory;
+    static constexpr size_t ChangesInside = 8;
+    InlineMemory<ChangesInside * sizeof(Change)> ChangesMemory;
     std::pmr::vector<Change> Changes{
         ChangesMemory.Resource()}; // where both are nodes of the library
 

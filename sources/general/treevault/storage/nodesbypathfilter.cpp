@@ -73,6 +73,8 @@ CMemoryStorage::CNodesByPathFilter::CNodesByPathFilter(IACNode* filter, Attribut
     if (read(TV_W("MaxDepth"), VtUInt32, maxDepth))
         MaxDepth = maxDepth;
     CheckPath(NodePath);
+    if (!ReadPath.empty())
+        Parameters = AttributeTable();
 }
 
 HRESULT CMemoryStorage::CNodesByPathFilter::Lookup(const GUID* iid, void** out) noexcept {
@@ -82,6 +84,7 @@ HRESULT CMemoryStorage::CNodesByPathFilter::Lookup(const GUID* iid, void** out) 
 
 void CMemoryStorage::CNodesByPathFilter::Prepare(CMemoryStorage& storage) {
     NodeQueue.clear();
+    NodeQueue.reserve(QueuedInside);
     NextInQueue = 0;
     if (NodePath == TopPath) {
         if (!IsParent)
@@ -98,6 +101,8 @@ void CMemoryStorage::CNodesByPathFilter::Prepare(CMemoryStorage& storage) {
     }
     size_t count = 0;
     HRES{node->GetChildCount(&count)};
+    if (node.Own())
+        NodeQueue.reserve(count); // a client's node may tell what it likes
     for (size_t at = 0; at < count; ++at) {
         NodeRef child;
         HRES{node->GetChildByIndex(at, child.Put())};

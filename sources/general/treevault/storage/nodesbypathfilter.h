@@ -44,12 +44,13 @@ protected:
 
 private:
     bool HandOutStored;        // otherwise clones
-    AttributeTable Parameters; // none if the filter node is foreign
-    WideText ReadPath;         // where it does not lie in the table
+    AttributeTable Parameters; // none unless the path lies in it
+    WideText ReadPath;         // empty if it does
     WideView NodePath;
     bool IsParent = false;
     int64_t MaxDepth = -1;
-    InlineMemory<8 * sizeof(NodeRef)> QueueMemory;
+    static constexpr size_t QueuedInside = 8;
+    InlineMemory<QueuedInside * sizeof(NodeRef)> QueueMemory;
     std::pmr::vector<NodeRef> NodeQueue{
         QueueMemory.Resource()}; // in front of NextInQueue they are handed out
     size_t NextInQueue = 0;

@@ -61,8 +61,10 @@ HRESULT CMemoryStorage::RetrieveNextData(IRetrievalContext* context, IACNode** n
         if (maxNodes > 0x1FFFFFFFFFFFFFFF)
             ThrowHr(E_INVALIDARG);
         // Grows as nodes come: callers may ask for more than there are.
-        InlineMemory<16 * sizeof(NodeRef)> memory;
+        constexpr size_t inside = 16;
+        InlineMemory<inside * sizeof(NodeRef)> memory;
         std::pmr::vector<NodeRef> batch(memory.Resource());
+        batch.reserve(inside);
         while (batch.size() < maxNodes) {
             NodeRef node;
             selection->GetNext(node.Put());

@@ -25,7 +25,7 @@ HRESULT CMemoryStorage::StoreData(IOperationsGroup* group, StoreMode mode, IACNo
         const Ref<CPendingOperations> journal = PvtJournalOf(group);
         for (uint64_t at = 0; at < count; ++at) {
             LogNode(SeverityDbg3, TV_W("Storing: "), nodes[at]);
-            // What the caller does to its node before a group of its own runs does not matter.
+            // What the caller does to its node before it finalizes its group does not matter.
             AnyNode node = group ? AnyNode(CloneNode(nodes[at], TREEVAULT_ALL_LEVELS))
                                  : AnyNode::Share(nodes[at]);
             journal->AddOperation(

@@ -8,9 +8,8 @@
 
 namespace treevault {
 
-// Shares its bytes with nobody. Lent room stays that of its lender, whoever holds many values side
-// by side; it is used as long as the size fits into it and is more than what lies inline. A copy
-// never lies in it, a move takes it along.
+// Never shares its bytes. Lent room belongs to the holder of the value; it serves sizes from 9
+// bytes up to its own. A copy never lies in it, a move takes it along.
 class ValueStorage {
 public:
     static constexpr uint32_t InlineCapacity = 8;
@@ -39,7 +38,7 @@ public:
     ValueStorage& operator=(const ValueStorage& other) { return *this = ValueStorage(other); }
     ValueStorage& operator=(ValueStorage&& other) noexcept;
 
-    // Makes place for `size` bytes; what was held is not kept, unless the size is the same. Raises
+    // Takes the size `size`; what was held is not kept, unless the size is the same. Raises
     // 0x80070057 for more than 32 bits (nothing changes) and 0x8007000E when memory runs out (the
     // storage is then empty).
     void Resize(uint64_t size);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Setting and deleting of attributes.
-#include "support/nodes.h"
+#include "support/trees.h"
 
 #include <map>
 
@@ -86,6 +86,27 @@ TEST_F(AttributeWriting, ValuesThatChangeTheirSizeLeaveTheOthersAlone) {
                 for (const auto& [old, value] : before)
                     ASSERT_EQ(value, Get(clone, old.c_str()));
             }
+}
+
+// However often tables are copied and grow, they take the memory that their attributes need: what
+// doubles each time would soon be more than there is.
+TEST_F(AttributeWriting, AttributeThatComesAndGoesBesideClonesTakesNoMoreAndMore) {
+    for (const WCHAR* name : {W("a"), W("b"), W("c"), W("d")})
+        ASSERT_EQ(S_OK, SetInt(Subject, name, 1));
+    for (int times = 0; times < 100; ++times) {
+        const Node clone = Clone(Subject);
+        ASSERT_EQ(S_OK, SetInt(Subject, W("e"), times));
+        ASSERT_EQ(S_OK, AcnDeleteAttribute(Subject, W("e")));
+    }
+}
+
+TEST_F(AttributeWriting, OneHugeNameLeavesRoomForMany) {
+    const std::basic_string<WCHAR> huge(1 << 20, W('x'));
+    ASSERT_EQ(S_OK, SetInt(Subject, huge.c_str(), 1));
+    for (int number = 0; number < 4200; ++number)
+        ASSERT_EQ(S_OK, SetInt(Subject, Wide(std::to_string(number)).c_str(), number));
+    EXPECT_EQ(Int32Value(1), Get(Subject, huge.c_str()));
+    EXPECT_EQ(Int32Value(4199), Get(Subject, W("4199")));
 }
 
 TEST_F(AttributeWriting, BytesAreCopied) {
