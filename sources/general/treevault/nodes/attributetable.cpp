@@ -39,8 +39,10 @@ void MoveEntries(AttributeEntry* to, const AttributeEntry* from, size_t count) n
 } // namespace
 
 uint32_t AttributeTable::Block::AppendName(const WCHAR* name, size_t size) noexcept {
+    const uint32_t offset = NamesSize / uint32_t{sizeof(WCHAR)};
     std::memcpy(Area() + NamesSize, name, size);
-    return std::exchange(NamesSize, NamesSize + static_cast<uint32_t>(size)) / sizeof(WCHAR);
+    NamesSize += static_cast<uint32_t>(size);
+    return offset;
 }
 
 void* AttributeTable::Block::TakeRoom(uint32_t size) noexcept {
