@@ -65,11 +65,6 @@ Ref<CACNodeImpl> CACNodeImpl::TryGetImpl(IACNode* node) {
     return static_cast<IACNode*>(own.Get()) == node ? own : Ref<CACNodeImpl>();
 }
 
-WideString CACNodeImpl::GetTypeName() const noexcept {
-    const LockGuard guard(Lock);
-    return TypeName;
-}
-
 PathRef CACNodeImpl::GetPathLink() const noexcept {
     const LockGuard guard(Lock);
     return Path;

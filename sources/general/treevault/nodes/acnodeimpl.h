@@ -67,7 +67,6 @@ public:
     // None if there is no child of that name.
     Ref<CACNodeImpl> FindChild(WideView name) const noexcept;
 
-    WideString GetTypeName() const noexcept;
     PathRef GetPathLink() const noexcept;
 
     // Both as they are at one moment.

@@ -52,7 +52,7 @@ public:
     }
 
     // How much room was lent, 0 for none.
-    uint32_t LentRoom() const noexcept { return LiesInRoom() ? RoomSize : 0; }
+    uint32_t LentRoom() const noexcept { return RoomSize; }
 
     // Moves the bytes from lent room into other room of the same size.
     void MoveRoom(void* room) noexcept;
