@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One child among few or many, by name and by index, each child in turn but no neighbours one after
-// the other.
+// One child among few or many, by name and by index, each time a random one.
 #include "measure.h"
 #include "propertytree.h"
 #include "structtree.h"
@@ -18,22 +17,20 @@ Workload Siblings(size_t count) {
     return {count, {nodes.begin(), nodes.begin() + static_cast<ptrdiff_t>(count) + 1}};
 }
 
-// Every index below `count` in turn, by a stride that has no factor in common with it.
+// Indexes below `count` at random: in an order that comes again soon the processor would learn the
+// ways of whole searches by heart.
 class Order {
 public:
-    explicit Order(size_t count) : Count(count), Step(61803 % count) {}
+    explicit Order(size_t count) : Count(count) {}
 
     size_t Next() {
-        At += Step;
-        if (At >= Count)
-            At -= Count;
-        return At;
+        Seed = Seed * 6364136223846793005u + 1442695040888963407u;
+        return static_cast<size_t>((Seed >> 32) * Count >> 32);
     }
 
 private:
-    size_t Count;
-    size_t Step;
-    size_t At = 0;
+    uint64_t Count;
+    uint64_t Seed = 1;
 };
 
 std::vector<Text> NamesOf(const Workload& workload) {

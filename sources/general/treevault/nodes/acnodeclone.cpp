@@ -23,16 +23,15 @@ uint64_t NextDepth(uint64_t depth) noexcept {
 } // namespace
 
 Ref<CACNodeImpl> CACNodeImpl::PvtCloneAlone(uint32_t flags) const {
-    Ref<CACNodeImpl> clone = MakeComponent<CACNodeImpl>(*this);
+    Ref<CACNodeImpl> clone = MakeComponent<CACNodeImpl>(NodeContent{Path, Attributes, TypeName});
     if (flags & CloneOwnAttributes)
         clone->Attributes.EnsureOwn();
     return clone;
 }
 
 Ref<IACNode> CACNodeImpl::MakeSnapshot(const AttributeTable& attributes) const {
-    Ref<CACNodeImpl> clone = MakeComponent<CACNodeImpl>(*this);
-    clone->Attributes = attributes;
-    return Ref<IACNode>::Attach(clone.Detach());
+    return Ref<IACNode>::Attach(
+        MakeComponent<CACNodeImpl>(NodeContent{Path, attributes, TypeName}).Detach());
 }
 
 // Builds downward, so that each node is linked once: a child shares its path with the original,

@@ -38,8 +38,9 @@ CACNodeImpl::CACNodeImpl(const WCHAR* name, const WCHAR* type) {
         TypeName = WideString(type);
 }
 
-CACNodeImpl::CACNodeImpl(const CACNodeImpl& source)
-    : Attributes(source.Attributes), Path(source.Path), TypeName(source.TypeName) {
+CACNodeImpl::CACNodeImpl(NodeContent content)
+    : Attributes(std::move(content.Attributes)), Path(std::move(content.Path)),
+      TypeName(std::move(content.TypeName)) {
     const FunctionTrace trace(TV_W("CACNodeImpl::CACNodeImpl"));
     LogTraced(SeverityDbg3, [&](WideStream& line) {
         line << TV_W("Cloning: Name=") << ShortName() << TV_W(" Type=") << TypeName.View();
@@ -74,6 +75,14 @@ void CACNodeImpl::GetContent(AttributeTable& attributes, WideString& type) const
     const LockGuard guard(Lock);
     attributes = Attributes;
     type = TypeName;
+}
+
+bool CACNodeImpl::GetLeafContent(NodeContent& content) const noexcept {
+    const LockGuard guard(Lock);
+    if (Children.Size() != 0)
+        return false;
+    content = {Path, Attributes, TypeName};
+    return true;
 }
 
 HRESULT CACNodeImpl::GetName(NodeNameKind kind, WCHAR* buffer, size_t* size) {

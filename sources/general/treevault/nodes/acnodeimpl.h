@@ -21,6 +21,13 @@ namespace treevault {
 inline constexpr GUID IID_ACNodeImpl = {
     0x7F5C2747, 0x533B, 0x4A51, {0x87, 0xC9, 0x51, 0x28, 0xAE, 0x54, 0x15, 0x80}};
 
+// What a node holds by itself, as it is at one moment; shared with the node.
+struct NodeContent {
+    PathRef Path;
+    AttributeTable Attributes;
+    WideString TypeName;
+};
+
 class CACNodeImpl : public ComponentHead, public IACNode {
 public:
     using ComponentHead::AddRef;
@@ -30,8 +37,8 @@ public:
     // Both may be null. Raises 0x80040201 for a bad name.
     CACNodeImpl(const WCHAR* name, const WCHAR* type);
 
-    // Shares path, attributes and type; no parent, no children. The caller holds the source's lock.
-    explicit CACNodeImpl(const CACNodeImpl& source);
+    // A clone of the node that the content is from, with neither parent nor children.
+    explicit CACNodeImpl(NodeContent content);
 
     HRESULT Lookup(const GUID* iid, void** out) noexcept;
     void FinalRelease() noexcept;
@@ -71,6 +78,9 @@ public:
 
     // Both as they are at one moment.
     void GetContent(AttributeTable& attributes, WideString& type) const noexcept;
+
+    // False, and nothing is given, if the node has children.
+    bool GetLeafContent(NodeContent& content) const noexcept;
 
     // A clone of this node alone with other attributes. The caller holds the lock.
     Ref<IACNode> MakeSnapshot(const AttributeTable& attributes) const;

@@ -16,6 +16,7 @@
 namespace treevault {
 
 class CInnerModifySinkPool;
+class GivenNode;
 struct INodeFilter;
 
 // Version data as a node. Part of the class, but not to be found by QueryInterface.
@@ -106,8 +107,7 @@ private:
     Ref<CPendingOperations> PvtJournalOf(IOperationsGroup* group);
     void PvtRunPrivateGroup(CPendingOperations& group);
     void PvtExecuteGroup(CPendingOperations& group);
-    void PvtStoreNode(StoreMode mode, const AnyNode& node, bool alreadyCloned,
-                      CPendingOperations& group);
+    void PvtStoreNode(StoreMode mode, GivenNode& given, CPendingOperations& group);
     void PvtDeleteFiltered(INodeFilter& filter, CPendingOperations& group);
     void PvtAttachNode(IACNode* parent, const NodeRef& node, const WideText& name);
     bool PvtDetachNode(IACNode* parent, const NodeRef& node, const WideText& name);

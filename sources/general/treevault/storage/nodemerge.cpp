@@ -31,8 +31,16 @@ std::vector<Ref<IACNode>> ListChildren(IACNode* node) {
 
 } // namespace
 
-void NodeMerge::Apply(const AnyNode& parent, const AnyNode& existing, const AnyNode& given,
+void NodeMerge::Apply(const AnyNode& parent, const AnyNode& existing, GivenNode& given,
                       ModifyMask* parentFlags) {
+    if (given.Leaf() && existing.Own() && Mode != StoreReplaceAll)
+        MergeLeaf(existing, *given.Leaf());
+    else
+        ApplyNode(parent, existing, given.Node(), parentFlags);
+}
+
+void NodeMerge::ApplyNode(const AnyNode& parent, const AnyNode& existing, const AnyNode& given,
+                          ModifyMask* parentFlags) {
     if (!existing) {
         Storage.PvtAddNode(parent, given, AlreadyCloned, Group, parentFlags);
         return;
@@ -263,34 +271,50 @@ void NodeMerge::MakeChanges(AttributeTable& stored) {
                        AttributeModified);
 }
 
-// Nodes of the library are compared where their values lie. The given table is shared meanwhile, so
-// that nobody changes it. What undoes the changes stands before the first of them is made.
-void NodeMerge::MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& given) {
-    AttributeTable givenTable;
-    WideString givenType;
-    given.GetContent(givenTable, givenType);
+// Nodes of the library are compared where their values lie; the caller sees to it that nobody
+// changes the given table. What undoes the changes stands before the first of them is made.
+void NodeMerge::MergeContent(CACNodeImpl& existing, const AttributeTable& given,
+                             WideView givenType) {
     const LockGuard guard(existing.Lock);
-    ListChanges(existing.AttributesUnderLock(), givenTable);
+    AttributeTable& stored = existing.AttributesUnderLock();
+    ListChanges(stored, given);
     if (!Changes.empty()) {
-        AttributeTable& stored = existing.AttributesUnderLock();
         KeepBefore(existing, stored.Keep());
         MakeChanges(stored);
     }
     MergeType(&existing, existing.TypeUnderLock(), givenType);
 }
 
-// A change of type alone is neither undone nor told.
-void NodeMerge::MergeAttributes(const AnyNode& existing, const AnyNode& given) {
+void NodeMerge::BeginPair() noexcept {
     Snapshot.Reset();
     ChangedNames.clear();
     Changes.clear();
-    if (existing.Own() && given.Own())
-        MergeOwnAttributes(*existing.Own(), *given.Own());
-    else
-        MergeForeignAttributes(existing.Get(), given.Get());
+}
+
+// A change of type alone is neither undone nor told.
+void NodeMerge::TellChanges(const AnyNode& existing) {
     if (!ChangedNames.empty())
         Storage.PvtSignalModified(Snapshot.Get(), existing.Get(), ModifyNodeChanged,
                                   ChangedNames.c_str());
+}
+
+void NodeMerge::MergeAttributes(const AnyNode& existing, const AnyNode& given) {
+    BeginPair();
+    if (existing.Own() && given.Own()) {
+        AttributeTable attributes;
+        WideString type;
+        given.Own()->GetContent(attributes, type);
+        MergeContent(*existing.Own(), attributes, type);
+    } else {
+        MergeForeignAttributes(existing.Get(), given.Get());
+    }
+    TellChanges(existing);
+}
+
+void NodeMerge::MergeLeaf(const AnyNode& existing, const NodeContent& given) {
+    BeginPair();
+    MergeContent(*existing.Own(), given.Attributes, given.TypeName);
+    TellChanges(existing);
 }
 
 } // namespace treevault

@@ -6,6 +6,7 @@
 #include "common/inlinememory.h"
 #include "general/treevault/nodes/acnodeimpl.h"
 #include "general/treevault/nodes/nodereading.h"
+#include "general/treevault/storage/givennode.h"
 #include "general/treevault/storage/memorystorage.h"
 
 #include <cstdint>
@@ -23,7 +24,7 @@ public:
 
     // Adds, or merges with what exists, whichever is there. `parentFlags` collects what happened to
     // the parent's list of children.
-    void Apply(const AnyNode& parent, const AnyNode& existing, const AnyNode& given,
+    void Apply(const AnyNode& parent, const AnyNode& existing, GivenNode& given,
                ModifyMask* parentFlags);
 
 private:
@@ -51,12 +52,17 @@ private:
         ModifyMask Flags = 0;
     };
 
+    void ApplyNode(const AnyNode& parent, const AnyNode& existing, const AnyNode& given,
+                   ModifyMask* parentFlags);
     Level Meet(const AnyNode& existing, const AnyNode& given);
     void PairChildren(Level& level, IACNode* given);
     void FinishLevel(Level& level);
 
     void MergeAttributes(const AnyNode& existing, const AnyNode& given);
-    void MergeOwnAttributes(CACNodeImpl& existing, const CACNodeImpl& given);
+    void MergeLeaf(const AnyNode& existing, const NodeContent& given);
+    void BeginPair() noexcept;
+    void TellChanges(const AnyNode& existing);
+    void MergeContent(CACNodeImpl& existing, const AttributeTable& given, WideView givenType);
     bool IsTaken(const AttributeTable& given, const AttributeEntry* oldEntry,
                  const AttributeEntry* entry) const noexcept;
     void ListChanges(const AttributeTable& old, const AttributeTable& given);

@@ -87,7 +87,7 @@ private:
     };
 
     // Steps lie side by side; one needs no block.
-    using StepMemory = InlineMemory<96>;
+    using StepMemory = InlineMemory<128>;
 
     template <class Callable>
     static Step* MakeStep(std::pmr::memory_resource* memory, Callable&& callable) {

@@ -5,6 +5,7 @@
 #include "common/functiontrace.h"
 #include "general/treevault/nodes/nodereading.h"
 #include "general/treevault/presentation/nodelogview.h"
+#include "general/treevault/storage/givennode.h"
 #include "general/treevault/storage/memorystorage.h"
 #include "general/treevault/storage/nodemaking.h"
 #include "general/treevault/storage/nodemerge.h"
@@ -26,11 +27,11 @@ HRESULT CMemoryStorage::StoreData(IOperationsGroup* group, StoreMode mode, IACNo
         for (uint64_t at = 0; at < count; ++at) {
             LogNode(SeverityDbg3, TV_W("Storing: "), nodes[at]);
             // What the caller does to its node before it finalizes its group does not matter.
-            AnyNode node = group ? AnyNode(CloneNode(nodes[at], TREEVAULT_ALL_LEVELS))
-                                 : AnyNode::Share(nodes[at]);
-            journal->AddOperation(
-                [this, mode, given = std::move(node), alreadyCloned = group != nullptr,
-                 target = journal.Get()] { PvtStoreNode(mode, given, alreadyCloned, *target); });
+            journal->AddOperation([this, mode, target = journal.Get(),
+                                   given = group ? GivenNode::Clone(nodes[at])
+                                                 : GivenNode::Share(nodes[at])]() mutable {
+                PvtStoreNode(mode, given, *target);
+            });
         }
         if (!group)
             PvtRunPrivateGroup(*journal);
@@ -41,11 +42,13 @@ namespace {
 
 // Where a node goes: it says so itself, and nothing else is taken from above it.
 struct NodePlace {
-    explicit NodePlace(const AnyNode& node) {
-        if (const CACNodeImpl* const own = node.Own())
+    explicit NodePlace(GivenNode& given) {
+        if (const NodeContent* const leaf = given.Leaf())
+            Take(leaf->Path);
+        else if (const CACNodeImpl* const own = given.Node().Own())
             Take(own->GetPathLink());
         else
-            Read(node.Get());
+            Read(given.Node().Get());
     }
     NodePlace(const NodePlace&) = delete;
     NodePlace& operator=(const NodePlace&) = delete;
@@ -83,9 +86,8 @@ private:
 
 } // namespace
 
-void CMemoryStorage::PvtStoreNode(StoreMode mode, const AnyNode& node, bool alreadyCloned,
-                                  CPendingOperations& group) {
-    const NodePlace place(node);
+void CMemoryStorage::PvtStoreNode(StoreMode mode, GivenNode& given, CPendingOperations& group) {
+    const NodePlace place(given);
     AnyNode parent;
     if (!place.IsRoot()) {
         parent = PvtFindNodeByPath(place.ParentPath, BuildParentNodesIfMissing, &group);
@@ -94,7 +96,7 @@ void CMemoryStorage::PvtStoreNode(StoreMode mode, const AnyNode& node, bool alre
     }
     const AnyNode existing = PvtFindChild(parent, place.Name);
     ModifyMask flags = 0;
-    NodeMerge(*this, mode, alreadyCloned, group).Apply(parent, existing, node, &flags);
+    NodeMerge(*this, mode, given.IsClone(), group).Apply(parent, existing, given, &flags);
     if (parent && flags != 0)
         PvtSignalModified(parent.Get(), parent.Get(), flags, nullptr);
 }
