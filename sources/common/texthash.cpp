@@ -8,6 +8,6 @@ namespace treevault::detail {
 
 // Where the system put the library and when it was loaded. Odd, so that it is never 0.
 const uint64_t HashSeed =
-    MixHash(reinterpret_cast<uintptr_t>(&HashSeed), 0x9E3779B97F4A7C15u ^ PerformanceCounter()) | 1;
+    MixHash(reinterpret_cast<uintptr_t>(&HashSeed), HashFactor ^ PerformanceCounter()) | 1;
 
 } // namespace treevault::detail

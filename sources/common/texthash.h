@@ -13,6 +13,7 @@ namespace treevault {
 
 namespace detail {
 extern const uint64_t HashSeed;
+inline constexpr uint64_t HashFactor = 0x9E3779B97F4A7C15u;
 
 __extension__ typedef unsigned __int128 Product;
 
@@ -23,8 +24,9 @@ inline uint64_t MixHash(uint64_t left, uint64_t right) noexcept {
 }
 } // namespace detail
 
-// Takes eight code units at a time; the last eight may overlap those before.
-inline uint32_t HashText(WideView text) noexcept {
+// Takes eight code units at a time; the last eight may overlap those before. Every bit of the hash
+// is as good as any other, with any seed, also for names that count up.
+inline uint32_t HashText(WideView text, uint64_t seed = detail::HashSeed) noexcept {
     const auto four = [&](size_t at) {
         uint64_t units;
         static_assert(sizeof units == 4 * sizeof(WCHAR));
@@ -33,9 +35,9 @@ inline uint32_t HashText(WideView text) noexcept {
     };
     const size_t size = text.size();
     // The length is spread, so that no unit makes up for it.
-    uint64_t hash = detail::HashSeed + size * 0x9E3779B97F4A7C15u;
+    uint64_t hash = seed + size * detail::HashFactor;
     const auto take = [&](uint64_t first, uint64_t second) {
-        hash = detail::MixHash(first ^ hash, second ^ detail::HashSeed);
+        hash = detail::MixHash(first ^ hash, second ^ seed);
     };
     if (size >= 8) {
         for (size_t at = 0; at + 8 < size; at += 8)
@@ -46,7 +48,8 @@ inline uint32_t HashText(WideView text) noexcept {
     } else if (size != 0) {
         take(text[0], uint64_t{text[size / 2]} << 16 | text[size - 1]);
     }
-    return static_cast<uint32_t>(hash ^ (hash >> 32));
+    // With some seeds the product alone leaves names that differ little close together.
+    return static_cast<uint32_t>((hash ^ (hash >> 32)) * detail::HashFactor >> 32);
 }
 
 } // namespace treevault

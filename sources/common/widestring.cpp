@@ -1,30 +1,26 @@
 // SPDX-License-Identifier: MIT
-// Making of wide strings.
+// The text that wide strings share.
 #include "common/widestring.h"
 
 #include "common/errorhandling.h"
 
 #include <new>
 
-namespace treevault {
+namespace treevault::detail {
 
-WideString::WideString(WideView text) {
+SharedText* SharedText::Make(WideView text) {
     if (text.size() > 0xFFFFFFFFu)
         ThrowHr(E_INVALIDARG);
-    WCHAR* copy = Units;
-    if (text.size() > InlineCapacity) {
-        void* memory = ::operator new(sizeof(Block) + (text.size() + 1) * sizeof(WCHAR));
-        Block* const block = new (memory) Block{1};
-        std::memcpy(Units, &block, sizeof block);
-        copy = Text(block);
-    }
-    UnitCount = static_cast<uint32_t>(text.size());
-    std::char_traits<WCHAR>::copy(copy, text.data(), text.size());
-    copy[text.size()] = 0;
+    void* memory = ::operator new(sizeof(SharedText) + (text.size() + 1) * sizeof(WCHAR));
+    auto* const shared = new (memory) SharedText{1};
+    auto* const units = reinterpret_cast<WCHAR*>(shared + 1);
+    text.copy(units, text.size());
+    units[text.size()] = 0;
+    return shared;
 }
 
-void WideString::Free(Block* block) noexcept {
-    ::operator delete(block);
+void SharedText::Free(SharedText* text) noexcept {
+    ::operator delete(text);
 }
 
-} // namespace treevault
+} // namespace treevault::detail

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The wide string that nodes keep: short text inside it, longer text in a block that copies share.
-// The text never changes once it is made; assigning another one leaves the sharers alone.
+// The wide strings that nodes keep: short text inside them, longer text in a block that copies
+// share. The text never changes once it is made; assigning another one leaves the sharers alone.
 #ifndef TREEVAULT_COMMON_WIDESTRING_H
 #define TREEVAULT_COMMON_WIDESTRING_H
 
@@ -14,70 +14,87 @@
 
 namespace treevault {
 
-class WideString {
+namespace detail {
+
+// The text of a long wide string and of its copies.
+struct SharedText {
+    std::atomic<uint32_t> Owners;
+
+    // Zero-terminated; it follows behind.
+    const WCHAR* Text() const noexcept { return reinterpret_cast<const WCHAR*>(this + 1); }
+
+    static SharedText* Make(WideView text);
+    static void Free(SharedText* text) noexcept;
+};
+
+} // namespace detail
+
+// Up to `Capacity` code units need no block.
+template <uint32_t Capacity>
+class BasicWideString {
 public:
-    // Code units that need no block.
-    static constexpr uint32_t InlineCapacity = 13;
+    static constexpr uint32_t InlineCapacity = Capacity;
 
     // The empty text.
-    WideString() noexcept = default;
+    BasicWideString() noexcept = default;
 
     // Raises E_INVALIDARG above 0xFFFFFFFF code units; std::bad_alloc.
-    explicit WideString(WideView text);
+    explicit BasicWideString(WideView text) : UnitCount(static_cast<uint32_t>(text.size())) {
+        if (text.size() > InlineCapacity) {
+            detail::SharedText* const shared = detail::SharedText::Make(text);
+            std::memcpy(Units, &shared, sizeof shared);
+        } else {
+            std::char_traits<WCHAR>::copy(Units, text.data(), text.size());
+        }
+    }
 
-    WideString(const WideString& other) noexcept { Share(other); }
-    WideString(WideString&& other) noexcept { Swap(other); }
-    WideString& operator=(WideString other) noexcept {
+    BasicWideString(const BasicWideString& other) noexcept { Share(other); }
+    BasicWideString(BasicWideString&& other) noexcept { Swap(other); }
+    BasicWideString& operator=(BasicWideString other) noexcept {
         Swap(other);
         return *this;
     }
-    ~WideString() {
+    ~BasicWideString() {
         if (IsShared() && IsLastOwner(Shared()->Owners))
-            Free(Shared());
+            detail::SharedText::Free(Shared());
     }
 
     size_t Length() const noexcept { return UnitCount; }
 
     // Zero-terminated.
-    const WCHAR* CStr() const noexcept { return IsShared() ? Text(Shared()) : Units; }
+    const WCHAR* CStr() const noexcept { return IsShared() ? Shared()->Text() : Units; }
 
     WideView View() const noexcept { return {CStr(), UnitCount}; }
     operator WideView() const noexcept { return View(); }
 
-    friend bool operator==(const WideString& left, const WideString& right) noexcept {
+    friend bool operator==(const BasicWideString& left, const BasicWideString& right) noexcept {
         return EqualText(left, right);
     }
 
 private:
-    // The text follows behind.
-    struct Block {
-        std::atomic<uint32_t> Owners;
-    };
-
     bool IsShared() const noexcept { return UnitCount > InlineCapacity; }
-    Block* Shared() const noexcept {
-        Block* block;
-        std::memcpy(&block, Units, sizeof block);
-        return block;
+    detail::SharedText* Shared() const noexcept {
+        detail::SharedText* shared;
+        std::memcpy(&shared, Units, sizeof shared);
+        return shared;
     }
-    void Share(const WideString& other) noexcept {
+    void Share(const BasicWideString& other) noexcept {
         std::memcpy(Units, other.Units, sizeof Units);
         UnitCount = other.UnitCount;
         if (IsShared())
             Shared()->Owners.fetch_add(1, std::memory_order_relaxed);
     }
-    void Swap(WideString& other) noexcept {
+    void Swap(BasicWideString& other) noexcept {
         std::swap(Units, other.Units);
         std::swap(UnitCount, other.UnitCount);
     }
 
-    static WCHAR* Text(Block* block) noexcept { return reinterpret_cast<WCHAR*>(block + 1); }
-    static void Free(Block* block) noexcept;
-
-    // The text with its terminator, or the address of the block in front.
-    alignas(Block*) WCHAR Units[InlineCapacity + 1] = {};
+    // The text with its terminator, or the address of the text that is shared.
+    alignas(detail::SharedText*) WCHAR Units[InlineCapacity + 1] = {};
     uint32_t UnitCount = 0;
 };
+
+using WideString = BasicWideString<13>;
 
 static_assert(sizeof(WideString) == 32);
 

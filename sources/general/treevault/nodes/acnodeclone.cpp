@@ -23,7 +23,8 @@ uint64_t NextDepth(uint64_t depth) noexcept {
 } // namespace
 
 Ref<CACNodeImpl> CACNodeImpl::PvtCloneAlone(uint32_t flags) const {
-    Ref<CACNodeImpl> clone = MakeComponent<CACNodeImpl>(NodeContent{Path, Attributes, TypeName});
+    Ref<CACNodeImpl> clone =
+        MakeComponent<CACNodeImpl>(NodeContent{{Above, Name}, Attributes, TypeName});
     if (flags & CloneOwnAttributes)
         clone->Attributes.EnsureOwn();
     return clone;
@@ -31,7 +32,7 @@ Ref<CACNodeImpl> CACNodeImpl::PvtCloneAlone(uint32_t flags) const {
 
 Ref<IACNode> CACNodeImpl::MakeSnapshot(const AttributeTable& attributes) const {
     return Ref<IACNode>::Attach(
-        MakeComponent<CACNodeImpl>(NodeContent{Path, attributes, TypeName}).Detach());
+        MakeComponent<CACNodeImpl>(NodeContent{{Above, Name}, attributes, TypeName}).Detach());
 }
 
 // Builds downward, so that each node is linked once: a child shares its path with the original,

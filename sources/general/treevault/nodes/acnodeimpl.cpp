@@ -17,11 +17,15 @@ const ClassRegistration nodeClass(CLSID_ACNode, [](const GUID* iid, void** out) 
 });
 
 // The path that a creator's name describes.
-PathRef InitialPath(const WCHAR* name) {
-    if (name && *name == PathSeparator)
-        return ParsePath(name);
-    return name ? MakePathLink(name, PathRef())
-                : PathRef::Make(GuidToString(NewGuid(), GuidFormPlain), PathRef());
+NodePath InitialPath(const WCHAR* name) {
+    if (!name)
+        return {PathRef(), NodeName(GuidToString(NewGuid(), GuidFormPlain))};
+    if (*name != PathSeparator)
+        return {PathRef(), MakeNodeName(name)};
+    std::optional<NodePath> path = ParsePath(name);
+    if (!path)
+        ThrowHr(TREEVAULT_E_INVALID_NAME);
+    return std::move(*path);
 }
 
 } // namespace
@@ -31,16 +35,16 @@ CACNodeImpl::CACNodeImpl(const WCHAR* name, const WCHAR* type) {
     LogTraced(SeverityDbg3, [&](WideStream& line) {
         line << TV_W("Creating: Name=") << name << TV_W(" Type=") << type;
     });
-    Path = InitialPath(name);
-    if (!Path)
-        ThrowHr(TREEVAULT_E_INVALID_NAME);
+    NodePath path = InitialPath(name);
+    Name = std::move(path.Name);
+    Above = std::move(path.Above);
     if (type)
         TypeName = WideString(type);
 }
 
-CACNodeImpl::CACNodeImpl(NodeContent content)
-    : Attributes(std::move(content.Attributes)), Path(std::move(content.Path)),
-      TypeName(std::move(content.TypeName)) {
+CACNodeImpl::CACNodeImpl(NodeContent&& content)
+    : Attributes(std::move(content.Attributes)), Name(std::move(content.Path.Name)),
+      Above(std::move(content.Path.Above)), TypeName(std::move(content.TypeName)) {
     const FunctionTrace trace(TV_W("CACNodeImpl::CACNodeImpl"));
     LogTraced(SeverityDbg3, [&](WideStream& line) {
         line << TV_W("Cloning: Name=") << ShortName() << TV_W(" Type=") << TypeName.View();
@@ -66,9 +70,9 @@ Ref<CACNodeImpl> CACNodeImpl::TryGetImpl(IACNode* node) {
     return static_cast<IACNode*>(own.Get()) == node ? own : Ref<CACNodeImpl>();
 }
 
-PathRef CACNodeImpl::GetPathLink() const noexcept {
+NodePath CACNodeImpl::GetPath() const noexcept {
     const LockGuard guard(Lock);
-    return Path;
+    return {Above, Name};
 }
 
 void CACNodeImpl::GetContent(AttributeTable& attributes, WideString& type) const noexcept {
@@ -81,7 +85,7 @@ bool CACNodeImpl::GetLeafContent(NodeContent& content) const noexcept {
     const LockGuard guard(Lock);
     if (Children.Size() != 0)
         return false;
-    content = {Path, Attributes, TypeName};
+    content = {{Above, Name}, Attributes, TypeName};
     return true;
 }
 
@@ -93,9 +97,9 @@ HRESULT CACNodeImpl::GetName(NodeNameKind kind, WCHAR* buffer, size_t* size) {
         case NameShort:
             return CopyTextOut(ShortName(), buffer, size);
         case NameParentPath:
-            return CopyTextOut(ParentPathText(Path), buffer, size);
+            return CopyTextOut(ParentPathText(Above), buffer, size);
         case NameFullPath:
-            return CopyTextOut(FullPathText(Path), buffer, size);
+            return CopyTextOut(FullPathUnderLock(), buffer, size);
         default:
             ThrowHr(E_INVALIDARG);
         }

@@ -23,7 +23,7 @@ inline constexpr GUID IID_ACNodeImpl = {
 
 // What a node holds by itself, as it is at one moment; shared with the node.
 struct NodeContent {
-    PathRef Path;
+    NodePath Path;
     AttributeTable Attributes;
     WideString TypeName;
 };
@@ -38,7 +38,7 @@ public:
     CACNodeImpl(const WCHAR* name, const WCHAR* type);
 
     // A clone of the node that the content is from, with neither parent nor children.
-    explicit CACNodeImpl(NodeContent content);
+    explicit CACNodeImpl(NodeContent&& content);
 
     HRESULT Lookup(const GUID* iid, void** out) noexcept;
     void FinalRelease() noexcept;
@@ -74,7 +74,7 @@ public:
     // None if there is no child of that name.
     Ref<CACNodeImpl> FindChild(WideView name) const noexcept;
 
-    PathRef GetPathLink() const noexcept;
+    NodePath GetPath() const noexcept;
 
     // Both as they are at one moment.
     void GetContent(AttributeTable& attributes, WideString& type) const noexcept;
@@ -91,14 +91,16 @@ public:
     // Asks the processor for what lies behind this node: its children, or the attributes of one
     // that has none. Needs no lock.
     void Prefetch() const noexcept {
-        if (!Children.Prefetch())
-            Attributes.Prefetch();
+        if (Children.Prefetch())
+            return;
+        Attributes.Prefetch();
+        Above.Prefetch();
     }
 
     // What a holder of Lock may read, or a holder of the parent's lock. References to children are
     // those of this node.
-    WideView ShortName() const noexcept { return Path->Name(); }
-    const PathRef& PathUnderLock() const noexcept { return Path; }
+    WideView ShortName() const noexcept { return Name; }
+    WideText FullPathUnderLock() const { return FullPathText(Above, Name); }
     const WideString& TypeUnderLock() const noexcept { return TypeName; }
     const AttributeTable& AttributesUnderLock() const noexcept { return Attributes; }
     AttributeTable& AttributesUnderLock() noexcept { return Attributes; }
@@ -112,10 +114,11 @@ protected:
 private:
     Ref<CACNodeImpl> GetStrongParent() const noexcept;
     void ClearParent() noexcept;
-    void SetPathLink(const PathRef& parentLink, WideView name);
-    bool PvtRenameChild(CACNodeImpl* child, WideView newName);
+    const PathRef& PvtOwnLink();
+    void PvtSetPath(const PathRef& above, const NodeName& name);
+    bool PvtRenameChild(CACNodeImpl* child, const NodeName& newName);
     bool PvtTrySetName(NodeNameKind kind, WideView name);
-    PathRef PvtNewPath(NodeNameKind kind, WideView name, bool hasParent) const;
+    std::optional<NodePath> PvtNewPath(NodeNameKind kind, WideView name, bool hasParent) const;
 
     void PvtInsertChild(CACNodeImpl* child) noexcept;
     void PvtAdoptClaimed(CACNodeImpl* child);
@@ -137,9 +140,12 @@ private:
 
     ChildList Children;
 
-    // Never none; below the parent's as long as there is one. It is read under this node's lock or
-    // the parent's, and written under both; a parent that dies reads no more names.
-    PathRef Path;
+    // Read under this node's lock or the parent's, and written under both; a parent that dies reads
+    // no more names.
+    NodeName Name;
+
+    PathRef Above;   // none at the top; the parent's own link as long as there is a parent
+    PathRef OwnLink; // this node's name below Above; none before the first child came
 
     // Not counted. Claimed from null by an atomic exchange, otherwise written under Lock. While a
     // node is torn down it links those that die with it.

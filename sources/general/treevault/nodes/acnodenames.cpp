@@ -7,54 +7,70 @@
 
 namespace treevault {
 
+// What children lie below, and the names that they share.
+const PathRef& CACNodeImpl::PvtOwnLink() {
+    if (!OwnLink)
+        OwnLink = PathRef::Make(Name, Above);
+    return OwnLink;
+}
+
 // Makes every new link before it changes the first node, so that a failure changes nothing. The
 // locks of the whole subtree are held meanwhile, which keeps anybody from adding to it.
-void CACNodeImpl::SetPathLink(const PathRef& parentLink, WideView name) {
-    const LockGuard guard(Lock);
-    if (Children.Size() == 0 && EqualText(name, ShortName()) && Path.MoveBelow(parentLink))
-        return;
-    PathRef path = MakePathLink(name, parentLink);
-    if (Children.Size() == 0) {
-        Path = std::move(path);
-        return;
-    }
+void CACNodeImpl::PvtSetPath(const PathRef& above, const NodeName& name) {
     struct Step {
         CACNodeImpl* Node;
-        PathRef NewPath;
+        PathRef Above;
+        PathRef OwnLink; // none where there are no children
     };
+    const LockGuard guard(Lock);
     HeldLocks locks;
-    std::vector<Step> steps{{this, std::move(path)}};
+    std::vector<Step> steps;
+    if (Children.Size() != 0)
+        steps.push_back({this, above, PathRef::Make(name, above)});
     for (size_t at = 0; at < steps.size(); ++at) {
+        const PathRef link = steps[at].OwnLink;
         for (CACNodeImpl* const child : steps[at].Node->Children.InOrder()) {
             locks.Enter(child->Lock);
-            steps.push_back({child, PathRef::Make(child->ShortName(), steps[at].NewPath)});
+            const bool isLeaf = child->Children.Size() == 0;
+            steps.push_back({child, link, isLeaf ? PathRef() : PathRef::Make(child->Name, link)});
         }
     }
-    for (Step& step : steps)
-        step.Node->Path = std::move(step.NewPath);
+    for (Step& step : steps) {
+        step.Node->Above = std::move(step.Above);
+        step.Node->OwnLink = std::move(step.OwnLink);
+    }
+    if (steps.empty()) {
+        Above = above;
+        OwnLink = PathRef();
+    }
+    if (&name != &Name)
+        Name = name;
 }
 
 // The path that a new name makes, or none if it changes nothing. The caller holds the lock.
-PathRef CACNodeImpl::PvtNewPath(NodeNameKind kind, WideView name, bool hasParent) const {
+std::optional<NodePath> CACNodeImpl::PvtNewPath(NodeNameKind kind, WideView name,
+                                                bool hasParent) const {
     switch (kind) {
     case NameShort:
-        return name == ShortName() ? PathRef() : MakePathLink(name, Path->ParentLink);
+        if (name == ShortName())
+            return std::nullopt;
+        return NodePath{Above, MakeNodeName(name)};
     case NameParentPath:
-        if (name == ParentPathText(Path))
-            return PathRef();
+        if (name == ParentPathText(Above))
+            return std::nullopt;
         if (hasParent)
             ThrowHr(TREEVAULT_E_PARENT_PATH_FIXED);
-        return MakePathLink(ShortName(), ParsePath(name));
+        return NodePath{ParseParentPath(name), Name};
     case NameFullPath: {
-        PathRef path = ParsePath(name);
+        std::optional<NodePath> path = ParsePath(name);
         if (!path)
             ThrowHr(TREEVAULT_E_INVALID_NAME);
-        if (ParentPathText(path) != ParentPathText(Path)) {
+        if (ParentPathText(path->Above) != ParentPathText(Above)) {
             if (hasParent)
                 ThrowHr(TREEVAULT_E_PARENT_PATH_FIXED);
             return path;
         }
-        return path->Name() == ShortName() ? PathRef() : path;
+        return path->Name == Name ? std::nullopt : std::move(path);
     }
     default:
         ThrowHr(E_INVALIDARG);
@@ -76,15 +92,15 @@ bool CACNodeImpl::PvtTrySetName(NodeNameKind kind, WideView name) {
     Ref<CACNodeImpl> parent; // given back when the lock is free
     LockGuard guard(Lock);
     parent = GetStrongParent();
-    const PathRef path = PvtNewPath(kind, name, static_cast<bool>(parent));
+    const std::optional<NodePath> path = PvtNewPath(kind, name, static_cast<bool>(parent));
     if (!path)
         return true;
     if (!parent) {
-        SetPathLink(path->ParentLink, path->Name());
+        PvtSetPath(path->Above, path->Name);
         return true;
     }
     guard.Leave();
-    if (parent->PvtRenameChild(this, path->Name()))
+    if (parent->PvtRenameChild(this, path->Name))
         return true;
     LogTraced(SeverityDbg, [](WideStream& line) {
         line << TV_W("DBG: Retrying to change the name (parent changed)");
@@ -92,23 +108,22 @@ bool CACNodeImpl::PvtTrySetName(NodeNameKind kind, WideView name) {
     return false;
 }
 
-bool CACNodeImpl::PvtRenameChild(CACNodeImpl* child, WideView newName) {
+bool CACNodeImpl::PvtRenameChild(CACNodeImpl* child, const NodeName& newName) {
     const FunctionTrace trace(TV_W("CACNodeImpl::PvtRenameChild"), SeverityDbg);
     const LockGuard guard(Lock);
     if (child->Parent.load() != this)
         return false;
     const LockGuard childGuard(child->Lock);
-    const PathRef oldPath = child->Path;
-    const WideView oldName = oldPath->Name();
+    const NodeName oldName = child->Name;
     LogTraced(SeverityDbg, [&](WideStream& line) {
-        line << TV_W("DBG: ParentPath='") << FullPathText(Path) << TV_W("' OldName='") << oldName
-             << TV_W("'") << TV_W("' NewName='") << newName << TV_W("'");
+        line << TV_W("DBG: ParentPath='") << FullPathUnderLock() << TV_W("' OldName='")
+             << oldName.View() << TV_W("'") << TV_W("' NewName='") << newName.View() << TV_W("'");
     });
     if (newName == oldName) // another thread was faster with the same name
         return true;
     if (Children.Find(newName))
         ThrowHr(TREEVAULT_E_CHILD_EXISTS);
-    child->SetPathLink(Path, newName);
+    child->PvtSetPath(PvtOwnLink(), newName);
     Children.Rename(oldName, newName, child);
     return true;
 }

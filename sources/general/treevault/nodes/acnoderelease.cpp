@@ -46,10 +46,8 @@ void CACNodeImpl::FinalRelease() noexcept {
         CACNodeImpl* const node = dying;
         dying = node->Parent.load(std::memory_order_relaxed);
         // What the next node frees has mostly not been looked at for long: it comes meanwhile.
-        if (dying) {
-            __builtin_prefetch(dying->Path.Get(), 1);
+        if (dying)
             dying->Attributes.Prefetch();
-        }
         // The severity is as fresh as it was for the root.
         if (WasSeverityEnabled(SeverityDbg3)) [[unlikely]]
             node->PvtDropTraced(dying);

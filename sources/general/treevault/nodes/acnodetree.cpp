@@ -65,11 +65,11 @@ void CACNodeImpl::PvtAdoptClaimed(CACNodeImpl* child) {
     const LockGuard guard(child->Lock);
     try {
         if (Children.Find(child->ShortName())) {
-            PvtMiss(TREEVAULT_E_CHILD_EXISTS, TV_W("Child"), child->Path->NameText());
+            PvtMiss(TREEVAULT_E_CHILD_EXISTS, TV_W("Child"), child->Name.CStr());
             ThrowHr(TREEVAULT_E_CHILD_EXISTS);
         }
         Children.Reserve(1);
-        child->SetPathLink(Path, child->ShortName());
+        child->PvtSetPath(PvtOwnLink(), child->Name);
     } catch (...) {
         child->ClearParent();
         throw;
@@ -97,11 +97,11 @@ HRESULT CACNodeImpl::RemoveChild(IACNode* child) {
         if (impl->Parent.load() != this) {
             // Whose child it is nobody knows here: its lock must not be asked for under this one.
             guard.Leave();
-            const PathRef path = impl->GetPathLink();
+            const NodeName name = impl->GetPath().Name;
             LogNotFound([&](WideStream& line) {
-                line << TV_W("RemoveChild('") << path->Name() << TV_W("')");
+                line << TV_W("RemoveChild('") << name.View() << TV_W("')");
             });
-            return PvtMiss(TREEVAULT_E_NOT_FOUND, TV_W("Child"), path->NameText());
+            return PvtMiss(TREEVAULT_E_NOT_FOUND, TV_W("Child"), name.CStr());
         }
         PvtEraseChild(PvtPlaceOf(impl.Get()));
         return S_OK;

@@ -32,10 +32,7 @@ CACNodeImpl* ChildList::Find(WideView name) const noexcept {
         CACNodeImpl* const child = slots[at].Child;
         if (slots[at].Hash != hash)
             continue;
-        // The name comes together with the child, and what is mostly read next while the names are
-        // compared.
-        slots[at].Path.Prefetch(1);
-        child->Prefetch();
+        child->Prefetch(); // which comes while the names are compared
         if (EqualText(child->ShortName(), name))
             return child;
     }
@@ -105,7 +102,7 @@ void ChildList::Reserve(size_t more) {
 }
 
 void ChildList::Append(WideView name, CACNodeImpl* child) noexcept {
-    Place({child, child->PathUnderLock().Get(), HashText(name)});
+    Place({child, HashText(name)});
     Lists->Children.push_back(child);
 }
 
@@ -117,7 +114,7 @@ void ChildList::Erase(size_t index, WideView name) noexcept {
 
 void ChildList::Rename(WideView oldName, WideView newName, CACNodeImpl* child) noexcept {
     Remove(HashText(oldName), child);
-    Place({child, child->PathUnderLock().Get(), HashText(newName)});
+    Place({child, HashText(newName)});
 }
 
 } // namespace treevault

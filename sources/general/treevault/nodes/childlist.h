@@ -14,7 +14,6 @@
 namespace treevault {
 
 class CACNodeImpl;
-struct NodePathLink;
 
 // Guarded by the lock of the parent, which keeps the names of the children as they are: they are
 // read where the children keep them. It holds two references to each child, one for each way to
@@ -63,7 +62,6 @@ private:
     // with no free slot between; the last slot is followed by the first.
     struct Slot {
         CACNodeImpl* Child;
-        PeekablePointer<const NodePathLink> Path; // when it came; may be gone: only prefetched
         uint32_t Hash;
     };
 

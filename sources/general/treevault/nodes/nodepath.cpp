@@ -10,21 +10,14 @@
 
 namespace treevault {
 
-PathRef::PathRef(const PathRef& other) noexcept : Link(other.Link) {
-    if (Link)
-        Link->Owners.fetch_add(1, std::memory_order_relaxed);
-}
-
 PathRef PathRef::Make(WideView name, PathRef parent) {
     if (name.size() > 0xFFFFFFFFu)
         ThrowHr(E_INVALIDARG);
-    void* memory = ::operator new(sizeof(NodePathLink) + (name.size() + 1) * sizeof(WCHAR));
+    void* memory = ::operator new(sizeof(NodePathLink) + name.size() * sizeof(WCHAR));
     PathRef path;
     path.Link =
         new (memory) NodePathLink{std::move(parent), {1}, static_cast<uint32_t>(name.size())};
-    auto* const text = reinterpret_cast<WCHAR*>(path.Link + 1);
-    name.copy(text, name.size());
-    text[name.size()] = 0;
+    name.copy(reinterpret_cast<WCHAR*>(path.Link + 1), name.size());
     return path;
 }
 
@@ -37,17 +30,10 @@ void PathRef::Free(NodePathLink* link) noexcept {
     } while (link && IsLastOwner(link->Owners));
 }
 
-bool PathRef::MoveBelow(const PathRef& parent) noexcept {
-    if (Link->Owners.load(std::memory_order_acquire) != 1)
-        return false;
-    Link->ParentLink = parent;
-    return true;
-}
-
-PathRef MakePathLink(WideView name, const PathRef& parent) {
+NodeName MakeNodeName(WideView name) {
     if (FindUnit(name, PathSeparator) != name.size())
         ThrowHr(TREEVAULT_E_INVALID_NAME);
-    return PathRef::Make(name, parent);
+    return NodeName(name);
 }
 
 namespace {
@@ -64,32 +50,49 @@ PathRef ChainOf(WideView names) {
     return path;
 }
 
-} // namespace
+// What lies above the place at `end`, where a separator or the end of the text stands.
+PathRef ParseAbove(WideView text, size_t end) {
+    bool isPlain = true; // no two separators stand side by side
+    for (size_t last = 0, next; last < end; last = next) {
+        next = FindUnit(text, PathSeparator, last + 1);
+        isPlain = isPlain && next != last + 1;
+    }
+    if (!isPlain)
+        return ChainOf(text.substr(0, end));
+    return end == 0 ? PathRef() : PathRef::Make(text.substr(1, end - 1), PathRef());
+}
 
-PathRef ParsePath(WideView text) {
+void CheckPathText(WideView text) {
     if (text.empty() || text.front() != PathSeparator ||
         (text.size() > 1 && text.back() == PathSeparator))
         ThrowHr(TREEVAULT_E_INVALID_NAME);
-    size_t last = 0;
-    bool isPlain = true; // no two separators stand side by side
-    for (size_t next; (next = FindUnit(text, PathSeparator, last + 1)) != text.size(); last = next)
-        isPlain = isPlain && next != last + 1;
-    if (!isPlain || text.size() == 1)
-        return ChainOf(text);
-    PathRef above;
-    if (last != 0)
-        above = PathRef::Make(text.substr(1, last - 1), PathRef());
-    return PathRef::Make(text.substr(last + 1), std::move(above));
+}
+
+} // namespace
+
+std::optional<NodePath> ParsePath(WideView text) {
+    CheckPathText(text);
+    if (text.size() == 1)
+        return std::nullopt;
+    const size_t last = text.rfind(PathSeparator);
+    return NodePath{ParseAbove(text, last), NodeName(text.substr(last + 1))};
+}
+
+PathRef ParseParentPath(WideView text) {
+    CheckPathText(text);
+    return text.size() == 1 ? PathRef() : ParseAbove(text, text.size());
 }
 
 namespace {
 
-// "\" and the name of each link from the top down to `path`, in one allocation.
-WideText JoinLinks(const PathRef& path) {
+// "\" and the name of each link from the top down, in memory for `more` units behind.
+WideText JoinLinks(const PathRef& path, size_t more) {
     size_t length = 0;
     for (const PathRef* link = &path; *link; link = &(*link)->ParentLink)
         length += 1 + (*link)->NameLength;
-    WideText text(length, PathSeparator);
+    WideText text;
+    text.reserve(length + more);
+    text.assign(length, PathSeparator);
     for (const PathRef* link = &path; *link; link = &(*link)->ParentLink) {
         const WideView name = (*link)->Name();
         length -= name.size();
@@ -101,12 +104,15 @@ WideText JoinLinks(const PathRef& path) {
 
 } // namespace
 
-WideText ParentPathText(const PathRef& path) {
-    return path->ParentLink ? JoinLinks(path->ParentLink) : WideText(1, PathSeparator);
+WideText ParentPathText(const PathRef& above) {
+    return above ? JoinLinks(above, 0) : WideText(1, PathSeparator);
 }
 
-WideText FullPathText(const PathRef& path) {
-    return JoinLinks(path);
+WideText FullPathText(const PathRef& above, WideView name) {
+    WideText text = JoinLinks(above, 1 + name.size());
+    text += PathSeparator;
+    text += name;
+    return text;
 }
 
 } // namespace treevault

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
-// Paths of nodes: a chain of shared links, one for each name, from a node up to the top.
+// Paths of nodes: each node holds its own name, and shares with its siblings a chain of links for
+// the names above it, up to the top.
 #ifndef TREEVAULT_NODES_NODEPATH_H
 #define TREEVAULT_NODES_NODEPATH_H
 
 #include "common/ownercount.h"
+#include "common/peekablepointer.h"
+#include "common/widestring.h"
 #include "platform/widetext.h"
 
+#include <optional>
 #include <utility>
 
 namespace treevault {
@@ -28,48 +32,65 @@ public:
     // 0xFFFFFFFF code units; std::bad_alloc.
     static PathRef Make(WideView name, PathRef parent);
 
-    // Puts the link below another parent if nobody shares it; false, with nothing changed, if not.
-    bool MoveBelow(const PathRef& parent) noexcept;
+    // Asks the processor for the link; needs no lock.
+    void Prefetch() const noexcept { Link.Prefetch(1); }
 
     const NodePathLink* operator->() const noexcept { return Link; }
-    const NodePathLink* Get() const noexcept { return Link; }
     explicit operator bool() const noexcept { return Link != nullptr; }
 
 private:
     static void Drop(NodePathLink* link) noexcept;
     static void Free(NodePathLink* link) noexcept;
 
-    NodePathLink* Link = nullptr;
+    PeekablePointer<NodePathLink> Link;
 };
 
 // One step of a path, in one block with its name; above a node that was named by its path, mostly
-// all of the steps as they stand in the text. Nodes and their descendants share it; it never
-// changes while they do.
+// all of the steps as they stand in the text. What lies below shares it; it never changes.
 struct NodePathLink {
     PathRef ParentLink; // none at the top
     mutable std::atomic<uint32_t> Owners{1};
     uint32_t NameLength;
 
-    // Zero-terminated.
-    const WCHAR* NameText() const noexcept { return reinterpret_cast<const WCHAR*>(this + 1); }
-    WideView Name() const noexcept { return {NameText(), NameLength}; }
+    WideView Name() const noexcept {
+        return {reinterpret_cast<const WCHAR*>(this + 1), NameLength};
+    }
 };
+
+inline PathRef::PathRef(const PathRef& other) noexcept : Link(other.Link) {
+    if (Link)
+        Link->Owners.fetch_add(1, std::memory_order_relaxed);
+}
 
 inline void PathRef::Drop(NodePathLink* link) noexcept {
     if (link && IsLastOwner(link->Owners))
         Free(link);
 }
 
-// A new link. Raises 0x80040201 if the name holds a "\"; the empty name is a name.
-PathRef MakePathLink(WideView name, const PathRef& parent);
+// Most names lie in their node, where a search for one finds them.
+using NodeName = BasicWideString<17>;
 
-// The chain of a text that begins with "\". Runs of separators count as one. None for "\" alone;
+static_assert(sizeof(NodeName) == 40);
+
+// What a node is called, and where it is.
+struct NodePath {
+    PathRef Above; // none at the top
+    NodeName Name;
+};
+
+// Raises 0x80040201 if the name holds a "\"; the empty name is a name.
+NodeName MakeNodeName(WideView name);
+
+// The path of a text that begins with "\". Runs of separators count as one. None for "\" alone;
 // raises 0x80040201 for a text that begins otherwise or, being longer, ends with a separator.
-PathRef ParsePath(WideView text);
+std::optional<NodePath> ParsePath(WideView text);
+
+// The same as what lies above a node.
+PathRef ParseParentPath(WideView text);
 
 // "\" at the top.
-WideText ParentPathText(const PathRef& path);
-WideText FullPathText(const PathRef& path);
+WideText ParentPathText(const PathRef& above);
+WideText FullPathText(const PathRef& above, WideView name);
 
 } // namespace treevault
 

@@ -86,9 +86,6 @@ private:
         Callable What;
     };
 
-    // Steps lie side by side; one needs no block.
-    using StepMemory = InlineMemory<128>;
-
     template <class Callable>
     static Step* MakeStep(std::pmr::memory_resource* memory, Callable&& callable) {
         using Made = Calling<Callable>;
@@ -105,11 +102,12 @@ private:
 
     CMemoryStorage& Storage;
 
-    StepMemory OperationMemory; // until the group goes
+    // Steps lie side by side; the first needs no block.
+    InlineMemory<160> OperationMemory; // until the group goes
     Step* Operations = nullptr; // in the order of adding; one that runs may add another
     Step** OperationsEnd = &Operations;
 
-    StepMemory UndoMemory; // until there is no step in it
+    InlineMemory<96> UndoMemory; // until there is no step in it
     size_t UndoSteps = 0;
     Step* UndoList = nullptr; // the last one first
 };

@@ -46,7 +46,7 @@ struct NodePlace {
         if (const NodeContent* const leaf = given.Leaf())
             Take(leaf->Path);
         else if (const CACNodeImpl* const own = given.Node().Own())
-            Take(own->GetPathLink());
+            Take(Path = own->GetPath());
         else
             Read(given.Node().Get());
     }
@@ -60,14 +60,12 @@ struct NodePlace {
 
 private:
     // What stands in one link needs no text of its own.
-    void Take(PathRef path) {
-        Path = std::move(path);
-        Name = Path->Name();
-        const PathRef& above = Path->ParentLink;
-        if (above && !above->ParentLink && above->NameLength != 0) {
-            ParentPath = above->Name();
+    void Take(const NodePath& path) {
+        Name = path.Name;
+        if (path.Above && !path.Above->ParentLink && path.Above->NameLength != 0) {
+            ParentPath = path.Above->Name();
         } else {
-            ParentText = ParentPathText(Path);
+            ParentText = ParentPathText(path.Above);
             ParentPath = ParentText;
         }
     }
@@ -79,7 +77,7 @@ private:
         ParentPath = ParentText;
     }
 
-    PathRef Path;
+    NodePath Path; // of a node that may change meanwhile
     WideText NameText;
     WideText ParentText;
 };

@@ -62,7 +62,7 @@ private:
 
 void BeginNode(NodeWalkOptions& options, INodeVisitor& visitor, CACNodeImpl& node, bool usePath) {
     if (usePath)
-        options.NameBuffer = FullPathText(node.PathUnderLock());
+        options.NameBuffer = node.FullPathUnderLock();
     visitor.BeginNode(&node, usePath ? WideView(options.NameBuffer) : node.ShortName(),
                       node.TypeUnderLock());
     if (options.IncludeAttributes)

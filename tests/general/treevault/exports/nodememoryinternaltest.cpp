@@ -89,15 +89,16 @@ private:
 
 // --- Creation and cloning ------------------------------------------------------------------------
 
-// A type that does not lie inside the node.
+// A type and a name that do not lie inside the node.
 const WCHAR* const LongType = W("a type of many units");
+const WCHAR* const LongPath = W("\\path\\to\\a node of a long name");
 
 struct CreateScenario : Scenario {
-    HRESULT Act() override { return AcnCreateNode(W("\\path\\to\\node"), LongType, &Out); }
+    HRESULT Act() override { return AcnCreateNode(LongPath, LongType, &Out); }
     void ExpectUnchanged() override { EXPECT_EQ(Untouched(), Out); }
     void ExpectDone() override {
         const Node node(Out);
-        EXPECT_EQ(W("\\path\\to\\node"), Path(node));
+        EXPECT_EQ(LongPath, Path(node));
         EXPECT_EQ(LongType, Type(node));
     }
     IACNode* Out = Untouched();
