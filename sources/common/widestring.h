@@ -50,7 +50,11 @@ public:
 
     BasicWideString(const BasicWideString& other) noexcept { Share(other); }
     BasicWideString(BasicWideString&& other) noexcept { Swap(other); }
-    BasicWideString& operator=(BasicWideString other) noexcept {
+    BasicWideString& operator=(const BasicWideString& other) noexcept {
+        BasicWideString(other).Swap(*this);
+        return *this;
+    }
+    BasicWideString& operator=(BasicWideString&& other) noexcept {
         Swap(other);
         return *this;
     }
@@ -84,8 +88,12 @@ private:
         if (IsShared())
             Shared()->Owners.fetch_add(1, std::memory_order_relaxed);
     }
+    // Not unit by unit.
     void Swap(BasicWideString& other) noexcept {
-        std::swap(Units, other.Units);
+        WCHAR units[InlineCapacity + 1];
+        std::memcpy(units, Units, sizeof Units);
+        std::memcpy(Units, other.Units, sizeof Units);
+        std::memcpy(other.Units, units, sizeof Units);
         std::swap(UnitCount, other.UnitCount);
     }
 

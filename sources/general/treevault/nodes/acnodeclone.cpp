@@ -23,8 +23,7 @@ uint64_t NextDepth(uint64_t depth) noexcept {
 } // namespace
 
 Ref<CACNodeImpl> CACNodeImpl::PvtCloneAlone(uint32_t flags) const {
-    Ref<CACNodeImpl> clone =
-        MakeComponent<CACNodeImpl>(NodeContent{{Above, Name}, Attributes, TypeName});
+    Ref<CACNodeImpl> clone = MakeComponent<CACNodeImpl>(Above, Name, Attributes, TypeName);
     if (flags & CloneOwnAttributes)
         clone->Attributes.EnsureOwn();
     return clone;
@@ -32,7 +31,7 @@ Ref<CACNodeImpl> CACNodeImpl::PvtCloneAlone(uint32_t flags) const {
 
 Ref<IACNode> CACNodeImpl::MakeSnapshot(const AttributeTable& attributes) const {
     return Ref<IACNode>::Attach(
-        MakeComponent<CACNodeImpl>(NodeContent{{Above, Name}, attributes, TypeName}).Detach());
+        MakeComponent<CACNodeImpl>(Above, Name, attributes, TypeName).Detach());
 }
 
 // Builds downward, so that each node is linked once: a child shares its path with the original,

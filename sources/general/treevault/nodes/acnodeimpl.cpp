@@ -42,9 +42,9 @@ CACNodeImpl::CACNodeImpl(const WCHAR* name, const WCHAR* type) {
         TypeName = WideString(type);
 }
 
-CACNodeImpl::CACNodeImpl(NodeContent&& content)
-    : Attributes(std::move(content.Attributes)), Name(std::move(content.Path.Name)),
-      Above(std::move(content.Path.Above)), TypeName(std::move(content.TypeName)) {
+CACNodeImpl::CACNodeImpl(const PathRef& above, const NodeName& name,
+                         const AttributeTable& attributes, const WideString& type)
+    : Attributes(attributes), Name(name), Above(above), TypeName(type) {
     const FunctionTrace trace(TV_W("CACNodeImpl::CACNodeImpl"));
     LogTraced(SeverityDbg3, [&](WideStream& line) {
         line << TV_W("Cloning: Name=") << ShortName() << TV_W(" Type=") << TypeName.View();

@@ -37,8 +37,9 @@ public:
     // Both may be null. Raises 0x80040201 for a bad name.
     CACNodeImpl(const WCHAR* name, const WCHAR* type);
 
-    // A clone of the node that the content is from, with neither parent nor children.
-    explicit CACNodeImpl(NodeContent&& content);
+    // A clone of the node that these are from, with neither parent nor children.
+    CACNodeImpl(const PathRef& above, const NodeName& name, const AttributeTable& attributes,
+                const WideString& type);
 
     HRESULT Lookup(const GUID* iid, void** out) noexcept;
     void FinalRelease() noexcept;

@@ -37,7 +37,8 @@ public:
     // From now on it is this node.
     const AnyNode& Node() {
         if (const NodeContent* const leaf = Leaf())
-            Held = AnyNode(MakeComponent<CACNodeImpl>(NodeContent(*leaf)));
+            Held = AnyNode(MakeComponent<CACNodeImpl>(leaf->Path.Above, leaf->Path.Name,
+                                                      leaf->Attributes, leaf->TypeName));
         return *std::get_if<AnyNode>(&Held);
     }
 

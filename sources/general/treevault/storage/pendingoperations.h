@@ -104,7 +104,7 @@ private:
 
     // Steps lie side by side; the first needs no block.
     InlineMemory<160> OperationMemory; // until the group goes
-    Step* Operations = nullptr; // in the order of adding; one that runs may add another
+    Step* Operations = nullptr;        // in the order of adding; one that runs may add another
     Step** OperationsEnd = &Operations;
 
     InlineMemory<96> UndoMemory; // until there is no step in it

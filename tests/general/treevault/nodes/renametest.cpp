@@ -217,6 +217,47 @@ TEST_F(Renaming, ClonesKeepTheirNames) {
     ExpectChildrenInStep(clone);
 }
 
+// What children were named below does not outlive them.
+TEST_F(Renaming, ChildThatComesAfterARenameLiesBelowTheNewName) {
+    ASSERT_EQ(S_OK, AcnRemoveChild(Child, Below));
+    ASSERT_EQ(S_OK, AcnSetNodeName(Child, NameShort, W("new")));
+    EXPECT_EQ(W("\\p\\r\\new\\x"), Path(AddNew(Child, W("x"))));
+    EXPECT_EQ(W("\\p\\r\\c\\below"), Path(Below));
+}
+
+TEST_F(Renaming, ChildThatComesAfterAnAncestorIsRenamedLiesBelowTheNewName) {
+    ASSERT_EQ(S_OK, AcnRemoveChild(Child, Below));
+    ASSERT_EQ(S_OK, AcnSetNodeName(Root, NameFullPath, W("\\q")));
+    EXPECT_TRUE(Succeeds(AcnAddChild, Child, Below));
+    EXPECT_EQ(W("\\q\\c\\below"), Path(Below));
+    EXPECT_EQ(W("\\q\\s\\x"), Path(AddNew(Sibling, W("x"))));
+}
+
+TEST_F(Renaming, ChildThatComesAfterAMoveLiesBelowTheNewPlace) {
+    ASSERT_EQ(S_OK, AcnRemoveChild(Child, Below));
+    ASSERT_EQ(S_OK, AcnRemoveChild(Root, Child));
+    EXPECT_TRUE(Succeeds(AcnAddChild, Sibling, Child));
+    EXPECT_TRUE(Succeeds(AcnAddChild, Child, Below));
+    EXPECT_EQ(W("\\p\\r\\s\\c\\below"), Path(Below));
+}
+
+// Around the length from which on a name lies outside its node.
+TEST_F(Renaming, NamesOfAnyLengthAreFoundAndCloned) {
+    for (size_t length = 12; length <= 40; ++length) {
+        const Text name(length, TREEVAULT_WIDE('x'));
+        ASSERT_EQ(S_OK, AcnSetNodeName(Child, NameShort, name.c_str()));
+        EXPECT_EQ(Child.Get(), FindChild(Root, name.c_str()).Get()) << length;
+        EXPECT_EQ(nullptr, FindChild(Root, name.c_str() + 1).Get()) << length;
+        EXPECT_EQ(W("\\p\\r\\") + name + W("\\below"), Path(Below)) << length;
+        const Node clone = Clone(Root);
+        EXPECT_EQ(name, Name(FindChild(clone, name.c_str()))) << length;
+        ASSERT_EQ(S_OK, AcnSetNodeName(FindChild(clone, name.c_str()), NameShort, W("c")));
+        EXPECT_EQ(name, Name(Child)) << length;
+    }
+    ASSERT_EQ(S_OK, AcnSetNodeName(Child, NameShort, W("c")));
+    ExpectUnchanged();
+}
+
 TEST_F(Renaming, ManyRenamesKeepIndexAndListInStep) {
     for (int i = 0; i < 300; ++i) {
         const std::string digits = std::to_string(i * 7919 % 1000);

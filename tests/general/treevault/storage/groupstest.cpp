@@ -127,6 +127,36 @@ TEST_F(Groups, SecondRunUsesTheNodesOfTheFirst) {
     EXPECT_EQ("a{x=1} b(c) n{x=2}(m o)", Forest(Subject));
 }
 
+TEST_F(Groups, SecondRunUsesTheNodeWithoutChildrenOfTheFirst) {
+    Group group(Subject);
+    group.Store(StoreMergeAll, "n{x=1}");
+    EXPECT_EQ(S_OK, group.Finish());
+    EXPECT_EQ(S_OK, Subject.Store(StoreMergeAll, "n{x=2}"));
+    Watcher.Take();
+    EXPECT_EQ(S_OK, group.Finish());
+    EXPECT_EQ(Framed({}), Watcher.Take());
+    EXPECT_EQ("a{x=1} b(c) n{x=2}", Forest(Subject));
+}
+
+// Neither of the stored node that it merges into nor as a new node.
+TEST_F(Groups, WhatBecomesOfAGivenNodeMeanwhileDoesNotMatter) {
+    for (const char* place : {"a", "n"}) {
+        Group group(Subject);
+        const Node given = std::move(Trees(std::string(place) + "{x=2}").front());
+        IACNode* nodes[] = {given};
+        ASSERT_EQ(S_OK, StgStoreData(Subject, group.Get(), StoreMergeModified, nodes, 1));
+        const int32_t number = 3;
+        ASSERT_EQ(S_OK, AcnSetAttribute(given, W("x"), VtInt32, &number, sizeof number));
+        ASSERT_EQ(S_OK, AcnSetAttribute(given, W("y"), VtInt32, &number, sizeof number));
+        ASSERT_EQ(S_OK, AcnSetModifiedState(given, nullptr, 0));
+        ASSERT_EQ(S_OK, AcnSetNodeName(given, NameFullPath, W("\\b\\other")));
+        ASSERT_EQ(S_OK, AcnSetNodeType(given, W("Type")));
+        AddNew(given, W("child"));
+        EXPECT_EQ(S_OK, group.Finish());
+    }
+    EXPECT_EQ("a{x=2} b(c) n{x=2}", Forest(Subject));
+}
+
 TEST_F(Groups, ChildrenThatMovedInWithTheFirstRunAreNotGivenInTheSecond) {
     Group group(Subject);
     group.Store(StoreReplaceAll, "b(c new)");
