@@ -17,8 +17,8 @@ Workload Siblings(size_t count) {
     return {count, {nodes.begin(), nodes.begin() + static_cast<ptrdiff_t>(count) + 1}};
 }
 
-// Indexes below `count` at random: in an order that comes again soon the processor would learn the
-// ways of whole searches by heart.
+// Random indexes below `count`: in an order that soon comes again the processor would learn whole
+// searches by heart.
 class Order {
 public:
     explicit Order(size_t count) : Count(count) {}

@@ -34,8 +34,8 @@ Ref<IACNode> CACNodeImpl::MakeSnapshot(const AttributeTable& attributes) const {
         MakeComponent<CACNodeImpl>(Above, Name, attributes, TypeName).Detach());
 }
 
-// Builds downward, so that each node is linked once: a child shares its path with the original,
-// whose path lies below the path that the two parents share. The locks of the originals on the way
+// Builds downward, so that each node is linked once: a child shares its name and the names above
+// with the original, which are those of both parents. The locks of the originals on the way
 // from the top to the node at work are held. Nobody else knows the clones yet, so theirs are not.
 void CACNodeImpl::PvtCloneChildren(CACNodeImpl* clone, uint64_t depth, uint32_t flags) const {
     HeldLocks locks;

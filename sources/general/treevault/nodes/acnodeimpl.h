@@ -21,7 +21,7 @@ namespace treevault {
 inline constexpr GUID IID_ACNodeImpl = {
     0x7F5C2747, 0x533B, 0x4A51, {0x87, 0xC9, 0x51, 0x28, 0xAE, 0x54, 0x15, 0x80}};
 
-// What a node holds by itself, as it is at one moment; shared with the node.
+// What a node holds by itself, at one moment. Copies share it with the node and allocate nothing.
 struct NodeContent {
     NodePath Path;
     AttributeTable Attributes;
@@ -89,8 +89,8 @@ public:
     // The attributes as if each were set anew, and the type. The strong guarantee holds.
     void RestoreAttributes(AttributeTable table, const WideString& type);
 
-    // Asks the processor for what lies behind this node: its children, or the attributes of one
-    // that has none. Needs no lock.
+    // Asks the processor for what lies behind this node: its children, or the attributes and the
+    // names above of one that has none. Needs no lock.
     void Prefetch() const noexcept {
         if (Children.Prefetch())
             return;
@@ -145,8 +145,8 @@ private:
     // no more names.
     NodeName Name;
 
-    PathRef Above;   // none at the top; the parent's own link as long as there is a parent
-    PathRef OwnLink; // this node's name below Above; none before the first child came
+    PathRef Above;   // none at the top; the same names as in the parent's own link
+    PathRef OwnLink; // this node's name below Above, or none: made when a child is to lie below it
 
     // Not counted. Claimed from null by an atomic exchange, otherwise written under Lock. While a
     // node is torn down it links those that die with it.

@@ -7,7 +7,7 @@
 
 namespace treevault {
 
-// What children lie below, and the names that they share.
+// The caller holds the lock.
 const PathRef& CACNodeImpl::PvtOwnLink() {
     if (!OwnLink)
         OwnLink = PathRef::Make(Name, Above);
@@ -15,7 +15,8 @@ const PathRef& CACNodeImpl::PvtOwnLink() {
 }
 
 // Makes every new link before it changes the first node, so that a failure changes nothing. The
-// locks of the whole subtree are held meanwhile, which keeps anybody from adding to it.
+// locks of the whole subtree are held meanwhile, which keeps anybody from adding to it. `name` may
+// be the node's own.
 void CACNodeImpl::PvtSetPath(const PathRef& above, const NodeName& name) {
     struct Step {
         CACNodeImpl* Node;

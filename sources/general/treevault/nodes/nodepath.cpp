@@ -85,7 +85,7 @@ PathRef ParseParentPath(WideView text) {
 
 namespace {
 
-// "\" and the name of each link from the top down, in memory for `more` units behind.
+// "\" and the name of each link from the top down, with room for `more` units behind.
 WideText JoinLinks(const PathRef& path, size_t more) {
     size_t length = 0;
     for (const PathRef* link = &path; *link; link = &(*link)->ParentLink)

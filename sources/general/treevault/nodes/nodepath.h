@@ -67,7 +67,7 @@ inline void PathRef::Drop(NodePathLink* link) noexcept {
         Free(link);
 }
 
-// Most names lie in their node, where a search for one finds them.
+// Most names fit into their node, so that a search reads no other memory.
 using NodeName = BasicWideString<17>;
 
 static_assert(sizeof(NodeName) == 40);
@@ -85,7 +85,7 @@ NodeName MakeNodeName(WideView name);
 // raises 0x80040201 for a text that begins otherwise or, being longer, ends with a separator.
 std::optional<NodePath> ParsePath(WideView text);
 
-// The same as what lies above a node.
+// The chain of such a text; none for "\".
 PathRef ParseParentPath(WideView text);
 
 // "\" at the top.

@@ -10,16 +10,16 @@
 
 namespace treevault {
 
-// A node, or in place of the clone of a leaf its content, until a node is needed.
+// A node, or only the content of a leaf until its clone is needed.
 class GivenNode {
 public:
     // The node itself, with all that its client does to it until it is stored.
     static GivenNode Share(IACNode* node) { return GivenNode(AnyNode::Share(node), false); }
 
-    // The node with all below it as it is now. Raises E_POINTER for null. The clone of a leaf is
-    // told to the log where it is made, so it is not put off while that is listened to.
+    // The node with all below it as it is now. Raises E_POINTER for null. Where the log or the
+    // tracker of live components is told of each node, the clone of a leaf is not put off.
     static GivenNode Clone(IACNode* node) {
-        if (node && !WasSeverityEnabled(SeverityDbg3)) {
+        if (node && !WasSeverityEnabled(SeverityDbg3) && !IsAliveObjectsTrackingEnabled()) {
             NodeContent leaf;
             const Ref<CACNodeImpl> own = CACNodeImpl::TryGetImpl(node);
             if (own && own->GetLeafContent(leaf))
@@ -28,13 +28,13 @@ public:
         return GivenNode(AnyNode(CloneNode(node, TREEVAULT_ALL_LEVELS)), true);
     }
 
-    // Nobody but the storage knows it.
+    // Made for the storage, which may attach it as it is.
     bool IsClone() const noexcept { return Cloned; }
 
     // Null if there is a node.
     const NodeContent* Leaf() const noexcept { return std::get_if<NodeContent>(&Held); }
 
-    // From now on it is this node.
+    // Makes the clone of a leaf; Leaf() is null then, and what it pointed to is gone.
     const AnyNode& Node() {
         if (const NodeContent* const leaf = Leaf())
             Held = AnyNode(MakeComponent<CACNodeImpl>(leaf->Path.Above, leaf->Path.Name,
@@ -43,8 +43,8 @@ public:
     }
 
 private:
-    template <class What>
-    GivenNode(What&& what, bool cloned) : Held(std::move(what)), Cloned(cloned) {}
+    GivenNode(std::variant<AnyNode, NodeContent>&& held, bool cloned)
+        : Held(std::move(held)), Cloned(cloned) {}
 
     std::variant<AnyNode, NodeContent> Held;
     bool Cloned;

@@ -44,7 +44,7 @@ namespace {
 struct NodePlace {
     explicit NodePlace(GivenNode& given) {
         if (const NodeContent* const leaf = given.Leaf())
-            Take(leaf->Path);
+            Take(Path = leaf->Path);
         else if (const CACNodeImpl* const own = given.Node().Own())
             Take(Path = own->GetPath());
         else
@@ -77,7 +77,7 @@ private:
         ParentPath = ParentText;
     }
 
-    NodePath Path; // of a node that may change meanwhile
+    NodePath Path; // kept: what is given may change meanwhile, or be made a node
     WideText NameText;
     WideText ParentText;
 };

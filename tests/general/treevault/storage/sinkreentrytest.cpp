@@ -111,6 +111,18 @@ TEST_F(SinkReentry, NestedFinishOfAGroup) {
     EXPECT_EQ("m n{x=1} nested", Forest(Subject));
 }
 
+// The outer run is still at the place above the node that the nested one stores and finishes.
+TEST_F(SinkReentry, NestedFinishOfTheGroupThatRuns) {
+    Group group(Subject);
+    group.Store(StoreMergeAll, "/p/q/x{y=1}");
+    On("created /p", [&] { EXPECT_EQ(S_OK, group.Finish()); });
+    EXPECT_EQ(S_OK, group.Finish());
+    EXPECT_EQ((Calls{"start", "created /p", "start", "created /p/q", "child+ /p", "created /p/q/x",
+                     "child+ /p/q", "precommit", "finish(1)", "precommit", "finish(1)"}),
+              Watcher.Told);
+    EXPECT_EQ("n{x=1}(c) p(q(x{y=1}))", Forest(Subject));
+}
+
 TEST_F(SinkReentry, NestedConfigurationAndDuplicateHandles) {
     On("created /m", [&] {
         Subject.Configure(false, true);
