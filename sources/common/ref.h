@@ -63,13 +63,8 @@ public:
     explicit operator bool() const noexcept { return Target != nullptr; }
 
 private:
-    // A class of the library that counts by itself needs no call through its table.
     void Count() noexcept {
-        if (!Target)
-            return;
-        if constexpr (requires { Target->CountUp(); })
-            Target->CountUp();
-        else
+        if (Target)
             Target->AddRef();
     }
 

@@ -24,8 +24,8 @@ inline uint64_t MixHash(uint64_t left, uint64_t right) noexcept {
 }
 } // namespace detail
 
-// Takes eight code units at a time; the last eight may overlap those before. Every bit of the hash
-// is as good as any other, with any seed, also for names that count up.
+// Takes eight code units at a time; the last eight may overlap those before. Names that count up
+// are spread over the low bits with any seed.
 inline uint32_t HashText(WideView text, uint64_t seed = detail::HashSeed) noexcept {
     const auto four = [&](size_t at) {
         uint64_t units;

@@ -88,7 +88,7 @@ private:
         if (IsShared())
             Shared()->Owners.fetch_add(1, std::memory_order_relaxed);
     }
-    // Not unit by unit.
+    // As bytes: arrays are otherwise swapped unit by unit.
     void Swap(BasicWideString& other) noexcept {
         WCHAR units[InlineCapacity + 1];
         std::memcpy(units, Units, sizeof Units);

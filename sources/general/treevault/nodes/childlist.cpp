@@ -32,7 +32,7 @@ CACNodeImpl* ChildList::Find(WideView name) const noexcept {
         CACNodeImpl* const child = slots[at].Child;
         if (slots[at].Hash != hash)
             continue;
-        child->Prefetch(); // which comes while the names are compared
+        child->Prefetch(); // what lies behind it comes while the names are compared
         if (EqualText(child->ShortName(), name))
             return child;
     }

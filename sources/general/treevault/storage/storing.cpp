@@ -43,12 +43,15 @@ namespace {
 // Where a node goes: it says so itself, and nothing else is taken from above it.
 struct NodePlace {
     explicit NodePlace(GivenNode& given) {
-        if (const NodeContent* const leaf = given.Leaf())
-            Take(Path = leaf->Path);
-        else if (const CACNodeImpl* const own = given.Node().Own())
-            Take(Path = own->GetPath());
-        else
+        if (const NodeContent* const leaf = given.Leaf()) {
+            Path = leaf->Path;
+            ViewPath();
+        } else if (const CACNodeImpl* const own = given.Node().Own()) {
+            Path = own->GetPath();
+            ViewPath();
+        } else {
             Read(given.Node().Get());
+        }
     }
     NodePlace(const NodePlace&) = delete;
     NodePlace& operator=(const NodePlace&) = delete;
@@ -60,12 +63,12 @@ struct NodePlace {
 
 private:
     // What stands in one link needs no text of its own.
-    void Take(const NodePath& path) {
-        Name = path.Name;
-        if (path.Above && !path.Above->ParentLink && path.Above->NameLength != 0) {
-            ParentPath = path.Above->Name();
+    void ViewPath() {
+        Name = Path.Name;
+        if (Path.Above && !Path.Above->ParentLink && Path.Above->NameLength != 0) {
+            ParentPath = Path.Above->Name();
         } else {
-            ParentText = ParentPathText(path.Above);
+            ParentText = ParentPathText(Path.Above);
             ParentPath = ParentText;
         }
     }
