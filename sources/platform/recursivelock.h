@@ -49,6 +49,14 @@ public:
             WakeOne(Owner);
     }
 
+    // Waits until nobody else is inside. Whoever was has done what it did before this returns.
+    void AwaitEmpty() noexcept {
+        if (Owner.load(std::memory_order_acquire) != 0) [[unlikely]] {
+            Enter();
+            Leave();
+        }
+    }
+
 private:
     // Set beside the owner's id while threads may be waiting. Thread ids leave the bit free.
     static constexpr uint32_t Contended = 0x80000000u;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Batches taken from a retrieval context while the selected nodes change and go.
-#include "threads.h"
-
-#include "support/storage.h"
+#include "stresssink.h"
 
 namespace treevault::tests {
 namespace {
@@ -144,6 +142,49 @@ TEST_F(RetrievalStress, StorageDiesWhileItsNodesAreHandedOut) {
                   }});
         EXPECT_EQ(0u, batches.Next(Subject, 2).size());
     }
+}
+
+// Keeps the root that comes into the storage, which is the stored one.
+class RootSink final : public StressSink {
+public:
+    HRESULT TREEVAULT_CALL OnModified(const ModifyNotification* told) override {
+        told->NewNode->AddRef();
+        Root = Node(told->NewNode);
+        return S_OK;
+    }
+
+    Node Root;
+};
+
+// Whoever got hold of a stored node takes the ways away on which others come down: the last
+// references to a part of the tree go while readers are inside of it.
+TEST_F(RetrievalStress, WaysVanishUnderThoseWhoGoThem) {
+    const std::string names = "abcdef";
+    Storage walked;
+    RootSink sink;
+    const Registration registration(walked, sink);
+    ASSERT_EQ(S_OK, walked.Store(StoreMergeAll, "r(a(b(c(d(e(f))))))"));
+    const Node root = sink.Root;
+    const Work change = [&](Choices& choices) {
+        const size_t depth = choices.Below(names.size());
+        Node parent = root;
+        for (size_t at = 0; at < depth; ++at)
+            parent = FindChild(parent, Text(1, static_cast<WCHAR>(names[at])).c_str());
+        EXPECT_EQ(S_OK, AcnRemoveChild(parent, ChildAt(parent, 0)));
+        std::string fresh = names.substr(depth, 1);
+        for (size_t at = depth + 1; at < names.size(); ++at)
+            fresh += std::string("(") + names[at];
+        fresh += std::string(names.size() - depth - 1, ')');
+        EXPECT_EQ(S_OK, AcnAddChild(parent, Trees(fresh)[0]));
+    };
+    const Work read = [&](Choices&) {
+        const Nodes found = Retrieve(walked, Filter("/r/a/b/c/d/e/f"));
+        ASSERT_GE(1u, found.size());
+        for (const Node& node : found)
+            EXPECT_EQ(W("f"), Name(node));
+    };
+    WorkTogether({change, read, read});
+    sink.Root.Close();
 }
 
 } // namespace

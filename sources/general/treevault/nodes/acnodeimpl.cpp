@@ -67,7 +67,9 @@ Ref<CACNodeImpl> CACNodeImpl::TryGetImpl(IACNode* node) {
     if (FAILED(node->QueryInterface(&IID_ACNodeImpl, &impl)))
         return Ref<CACNodeImpl>();
     Ref<CACNodeImpl> own = Ref<CACNodeImpl>::Attach(static_cast<CACNodeImpl*>(impl));
-    return static_cast<IACNode*>(own.Get()) == node ? own : Ref<CACNodeImpl>();
+    if (static_cast<IACNode*>(own.Get()) != node)
+        own.Reset();
+    return own;
 }
 
 NodePath CACNodeImpl::GetPath() const noexcept {

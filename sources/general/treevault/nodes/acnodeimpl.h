@@ -2,7 +2,9 @@
 // The node: name and path, type, attributes, children and parent, behind the interface IACNode.
 //
 // Any thread may call any operation. Each takes the lock of its node; between nodes a parent's lock
-// comes before a child's, and no operation holds a child's lock while it asks for the parent's.
+// comes before a child's, and no operation holds a child's lock while it asks for the parent's. A
+// child whose lock was taken under the parent's stays as long as that lock is held, without a
+// reference: neither does it leave its parent, nor does the parent let go of it.
 #ifndef TREEVAULT_NODES_ACNODEIMPL_H
 #define TREEVAULT_NODES_ACNODEIMPL_H
 
@@ -74,6 +76,10 @@ public:
 
     // None if there is no child of that name.
     Ref<CACNodeImpl> FindChild(WideView name) const noexcept;
+
+    // Follows the names of a path, which goes on at `begin`, as far as there are children, and
+    // moves `begin` behind the last that was found. None if the first name is no child's.
+    Ref<CACNodeImpl> FindBelow(WideView path, size_t& begin) const noexcept;
 
     NodePath GetPath() const noexcept;
 

@@ -14,13 +14,15 @@ constexpr size_t ChildrenAhead = 4;
 
 // Lets the children go. Those that nobody else holds are put in front of the chain `dying`, which
 // runs through their Parent fields. The count of this node is 0 and so are theirs: nobody else
-// looks at them, and no lock is needed.
+// looks at them, and no lock is needed, but for those who came from this node before its count was
+// 0 and have not left the child yet.
 void CACNodeImpl::PvtDropChildren(CACNodeImpl*& dying) noexcept {
     const std::span<CACNodeImpl* const> children = Children.InOrder();
     for (size_t at = 0; at < children.size(); ++at) {
         if (at + ChildrenAhead < children.size())
             __builtin_prefetch(children[at + ChildrenAhead], 1);
         CACNodeImpl* const child = children[at];
+        child->Lock.AwaitEmpty();
         if (!child->GiveUpLast(2)) {
             // Whoever holds it may look for its parent until it is told that there is none.
             child->ClearParent();

@@ -188,6 +188,29 @@ Ref<CACNodeImpl> CACNodeImpl::FindChild(WideView name) const noexcept {
     return Ref<CACNodeImpl>::Share(Children.Find(name));
 }
 
+// Takes the lock of the next node before it leaves that of the last one: until then the next one
+// stays, and passing it costs no reference.
+Ref<CACNodeImpl> CACNodeImpl::FindBelow(WideView path, size_t& begin) const noexcept {
+    const CACNodeImpl* node = this;
+    CACNodeImpl* found = nullptr; // `node`, but at the end of the path its child
+    node->Lock.Enter();
+    for (size_t next = begin;;) {
+        CACNodeImpl* const child = node->Children.Find(TakeName(path, next));
+        if (!child)
+            break;
+        found = child;
+        begin = next;
+        if (begin >= path.size())
+            break;
+        child->Lock.Enter();
+        node->Lock.Leave();
+        node = child;
+    }
+    Ref<CACNodeImpl> reference = Ref<CACNodeImpl>::Share(found);
+    node->Lock.Leave();
+    return reference;
+}
+
 // A parent whose count is 0 is about to clear this node's Parent and counts as none.
 Ref<CACNodeImpl> CACNodeImpl::GetStrongParent() const noexcept {
     const LockGuard guard(Lock);

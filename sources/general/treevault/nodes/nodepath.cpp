@@ -3,7 +3,6 @@
 #include "general/treevault/nodes/nodepath.h"
 
 #include "common/errorhandling.h"
-#include "common/textcompare.h"
 
 #include <algorithm>
 #include <new>

@@ -6,6 +6,7 @@
 
 #include "common/ownercount.h"
 #include "common/peekablepointer.h"
+#include "common/textcompare.h"
 #include "common/widestring.h"
 #include "platform/widetext.h"
 
@@ -87,6 +88,14 @@ std::optional<NodePath> ParsePath(WideView text);
 
 // The chain of such a text; none for "\".
 PathRef ParseParentPath(WideView text);
+
+// The name that begins at `begin`, which moves behind the separator that ends it.
+inline WideView TakeName(WideView path, size_t& begin) noexcept {
+    const size_t end = FindUnit(path, PathSeparator, begin);
+    const WideView name = path.substr(begin, end - begin);
+    begin = end + 1;
+    return name;
+}
 
 // "\" at the top.
 WideText ParentPathText(const PathRef& above);

@@ -117,36 +117,18 @@ AnyNode CMemoryStorage::PvtFindChild(const AnyNode& parent, WideView name) {
     return AnyNode(std::move(child));
 }
 
-namespace {
-
-// The component at `begin`, which moves behind it.
-WideView TakeComponent(WideView path, size_t& begin) noexcept {
-    const size_t end = FindUnit(path, PathSeparator, begin);
-    const WideView component = path.substr(begin, end - begin);
-    begin = end + 1;
-    return component;
-}
-
-} // namespace
-
 // Follows the path through nodes of the library as far as they go; `begin` moves behind what was
-// found. A root needs no reference, since it stays as long as the storage is locked: readers on
-// many threads pass it without writing to it more than they must.
+// found.
 AnyNode CMemoryStorage::PvtDescend(WideView path, size_t& begin) {
     size_t next = begin;
-    const auto root = RootNodes.find(TakeComponent(path, next));
+    const auto root = RootNodes.find(TakeName(path, next));
     if (root == RootNodes.end() || !root->second.Own())
         return AnyNode();
-    const CACNodeImpl* parent = root->second.Own();
-    Ref<CACNodeImpl> current;
-    for (begin = next; next < path.size(); begin = next) {
-        Ref<CACNodeImpl> child = parent->FindChild(TakeComponent(path, next));
-        if (!child)
-            break;
-        current = std::move(child);
-        parent = current.Get();
-    }
-    return current ? AnyNode(std::move(current)) : root->second;
+    begin = next;
+    if (begin < path.size())
+        if (Ref<CACNodeImpl> below = root->second.Own()->FindBelow(path, begin))
+            return AnyNode(std::move(below));
+    return root->second;
 }
 
 AnyNode CMemoryStorage::PvtFindNodeByPath(WideView path, bool build, CPendingOperations* group) {
@@ -157,7 +139,7 @@ AnyNode CMemoryStorage::PvtFindNodeByPath(WideView path, bool build, CPendingOpe
     if (current && begin >= path.size())
         return current;
     do {
-        const WideView component = TakeComponent(path, begin);
+        const WideView component = TakeName(path, begin);
         AnyNode next = PvtFindChild(current, component);
         if (!next) {
             if (!build)
