@@ -9,6 +9,14 @@
 
 namespace treevault {
 
+// Asks the processor for so many cache lines. No memory is read: what lies there may be gone.
+inline void PrefetchLines(const void* from, size_t lines) noexcept {
+    constexpr size_t cacheLine = 64;
+    const auto begin = reinterpret_cast<uintptr_t>(from);
+    for (size_t line = 0; line < lines; ++line)
+        __builtin_prefetch(reinterpret_cast<const void*>(begin + line * cacheLine), 1);
+}
+
 // A pointer like any other for those who hold the lock that guards it. Whoever does not may only
 // ask the processor for what it points to, which does no harm even if that is gone meanwhile.
 template <class T>
@@ -25,13 +33,7 @@ public:
     operator T*() const noexcept { return Get(); }
     T* operator->() const noexcept { return Get(); }
 
-    // So many cache lines.
-    void Prefetch(size_t lines) const noexcept {
-        constexpr size_t cacheLine = 64;
-        const auto begin = reinterpret_cast<uintptr_t>(Get());
-        for (size_t line = 0; line < lines; ++line)
-            __builtin_prefetch(reinterpret_cast<const void*>(begin + line * cacheLine), 1);
-    }
+    void Prefetch(size_t lines) const noexcept { PrefetchLines(Get(), lines); }
 
 private:
     std::atomic<T*> Target;

@@ -95,13 +95,13 @@ public:
     // The attributes as if each were set anew, and the type. The strong guarantee holds.
     void RestoreAttributes(AttributeTable table, const WideString& type);
 
-    // Asks the processor for what lies behind this node: its children, or the attributes and the
-    // names above of one that has none. Needs no lock.
-    void Prefetch() const noexcept {
-        if (Children.Prefetch())
-            return;
-        Attributes.Prefetch();
+    // What is mostly read after this node, to be prefetched: its children, or the attributes of one
+    // that has none, for which the names above are prefetched at once. Needs no lock.
+    const void* Behind() const noexcept {
+        if (const void* const children = Children.Peek())
+            return children;
         Above.Prefetch();
+        return Attributes.Peek();
     }
 
     // What a holder of Lock may read, or a holder of the parent's lock. References to children are

@@ -94,6 +94,9 @@ public:
     // Asks the processor for the first entries; needs no lock.
     void Prefetch() const noexcept { Shared.Prefetch(2); }
 
+    // The table, to be prefetched; needs no lock.
+    const void* Peek() const noexcept { return Shared.Get(); }
+
     // For the only owner: sets the value, in a new entry if need be. Null data gives zeros. The
     // strong guarantee holds.
     void Set(const WCHAR* name, ValueType type, const void* data, uint64_t size, uint16_t flags);

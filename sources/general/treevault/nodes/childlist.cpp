@@ -16,6 +16,9 @@ namespace {
 
 constexpr size_t FirstCapacity = 4;
 
+// The lists of ten children, or four attributes.
+constexpr size_t LinesBehind = 6;
+
 // At most three of four slots are taken.
 bool Suffices(size_t capacity, size_t count) noexcept {
     return count <= capacity - capacity / 4;
@@ -23,18 +26,28 @@ bool Suffices(size_t capacity, size_t count) noexcept {
 
 } // namespace
 
+// What lies behind the child comes from the memory together with the child and not after it, unless
+// it has moved since the child was found last.
+void ChildList::PrefetchFound(Slot& slot) noexcept {
+    PrefetchLines(slot.Behind, LinesBehind);
+    const void* const behind = slot.Child->Behind();
+    if (slot.Behind == behind)
+        return;
+    slot.Behind = behind;
+    PrefetchLines(behind, LinesBehind);
+}
+
 CACNodeImpl* ChildList::Find(WideView name) const noexcept {
     if (!Lists)
         return nullptr;
     const uint32_t hash = HashText(name);
-    const Slot* const slots = Lists->Slots();
+    Slot* const slots = Lists->Slots();
     for (size_t at = OwnSlot(hash); slots[at].Child; at = NextSlot(at)) {
-        CACNodeImpl* const child = slots[at].Child;
         if (slots[at].Hash != hash)
             continue;
-        child->Prefetch(); // what lies behind it comes while the names are compared
-        if (EqualText(child->ShortName(), name))
-            return child;
+        PrefetchFound(slots[at]);
+        if (EqualText(slots[at].Child->ShortName(), name))
+            return slots[at].Child;
     }
     return nullptr;
 }
@@ -102,7 +115,7 @@ void ChildList::Reserve(size_t more) {
 }
 
 void ChildList::Append(WideView name, CACNodeImpl* child) noexcept {
-    Place({child, HashText(name)});
+    Place({child, child->Behind(), HashText(name)});
     Lists->Children.push_back(child);
 }
 
@@ -114,7 +127,7 @@ void ChildList::Erase(size_t index, WideView name) noexcept {
 
 void ChildList::Rename(WideView oldName, WideView newName, CACNodeImpl* child) noexcept {
     Remove(HashText(oldName), child);
-    Place({child, HashText(newName)});
+    Place({child, child->Behind(), HashText(newName)});
 }
 
 } // namespace treevault

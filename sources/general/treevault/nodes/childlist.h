@@ -45,12 +45,8 @@ public:
     void Erase(size_t index, WideView name) noexcept;
     void Rename(WideView oldName, WideView newName, CACNodeImpl* child) noexcept;
 
-    // Asks the processor for the lists, of many children only for the first part; needs no lock.
-    // False if there are none.
-    bool Prefetch() const noexcept {
-        Lists.Prefetch(5);
-        return Lists.Get() != nullptr;
-    }
+    // The lists, to be prefetched; needs no lock. Null if there are none.
+    const void* Peek() const noexcept { return Lists.Get(); }
 
     void Clear() noexcept {
         Free(std::exchange(Lists, nullptr));
@@ -62,6 +58,7 @@ private:
     // with no free slot between; the last slot is followed by the first.
     struct Slot {
         CACNodeImpl* Child;
+        const void* Behind; // what lay behind the child when it was found last, to be prefetched
         uint32_t Hash;
     };
 
@@ -73,6 +70,7 @@ private:
 
     size_t OwnSlot(uint32_t hash) const noexcept { return hash & (Capacity - 1); }
     size_t NextSlot(size_t at) const noexcept { return (at + 1) & (Capacity - 1); }
+    static void PrefetchFound(Slot& slot) noexcept;
     void Place(Slot slot) noexcept;
     void Remove(uint32_t hash, const CACNodeImpl* child) noexcept;
 
