@@ -16,8 +16,9 @@ namespace {
 
 constexpr size_t FirstCapacity = 4;
 
-// The lists of ten children, or four attributes.
-constexpr size_t LinesBehind = 6;
+// What a walk reads of a child, and behind it: the lists of ten children, or four attributes.
+constexpr size_t LinesOfChild = 3;
+constexpr size_t LinesBehind = 7;
 
 // At most three of four slots are taken.
 bool Suffices(size_t capacity, size_t count) noexcept {
@@ -26,9 +27,10 @@ bool Suffices(size_t capacity, size_t count) noexcept {
 
 } // namespace
 
-// What lies behind the child comes from the memory together with the child and not after it, unless
-// it has moved since the child was found last.
+// The child comes from the memory as a whole and together with what lies behind it, unless that has
+// moved since the child was found last.
 void ChildList::PrefetchFound(Slot& slot) noexcept {
+    PrefetchLines(slot.Child, LinesOfChild);
     PrefetchLines(slot.Behind, LinesBehind);
     const void* const behind = slot.Child->Behind();
     if (slot.Behind == behind)
