@@ -41,6 +41,7 @@ public:
         return true;
     }
 
+    // Whoever waits may destroy the lock as soon as it is free: what is woken is an address.
     void Leave() noexcept {
         NodeLocksOrder::NoteLeaving();
         if (Depth != 0)

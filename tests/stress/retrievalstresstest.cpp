@@ -2,6 +2,8 @@
 // Batches taken from a retrieval context while the selected nodes change and go.
 #include "stresssink.h"
 
+#include "support/foreignnode.h"
+
 namespace treevault::tests {
 namespace {
 
@@ -156,18 +158,27 @@ public:
     Node Root;
 };
 
+// A storage of one root, and the stored root itself.
+struct OpenStorage {
+    explicit OpenStorage(std::string_view tree) {
+        RootSink sink;
+        const Registration registration(Held, sink);
+        EXPECT_EQ(S_OK, Held.Store(StoreMergeAll, tree));
+        Root = sink.Root;
+    }
+
+    Storage Held;
+    Node Root;
+};
+
 // Whoever got hold of a stored node takes the ways away on which others come down: the last
 // references to a part of the tree go while readers are inside of it.
 TEST_F(RetrievalStress, WaysVanishUnderThoseWhoGoThem) {
     const std::string names = "abcdef";
-    Storage walked;
-    RootSink sink;
-    const Registration registration(walked, sink);
-    ASSERT_EQ(S_OK, walked.Store(StoreMergeAll, "r(a(b(c(d(e(f))))))"));
-    const Node root = sink.Root;
+    const OpenStorage walked("r(a(b(c(d(e(f))))))");
     const Work change = [&](Choices& choices) {
         const size_t depth = choices.Below(names.size());
-        Node parent = root;
+        Node parent = walked.Root;
         for (size_t at = 0; at < depth; ++at)
             parent = FindChild(parent, Text(1, static_cast<WCHAR>(names[at])).c_str());
         EXPECT_EQ(S_OK, AcnRemoveChild(parent, ChildAt(parent, 0)));
@@ -177,14 +188,44 @@ TEST_F(RetrievalStress, WaysVanishUnderThoseWhoGoThem) {
         fresh += std::string(names.size() - depth - 1, ')');
         EXPECT_EQ(S_OK, AcnAddChild(parent, Trees(fresh)[0]));
     };
+    std::atomic<size_t> found{0};
     const Work read = [&](Choices&) {
-        const Nodes found = Retrieve(walked, Filter("/r/a/b/c/d/e/f"));
-        ASSERT_GE(1u, found.size());
-        for (const Node& node : found)
-            EXPECT_EQ(W("f"), Name(node));
+        const Nodes ends = Retrieve(walked.Held, Filter("/r/a/b/c/d/e/f"));
+        ASSERT_GE(1u, ends.size());
+        for (const Node& end : ends)
+            EXPECT_EQ(W("f"), Name(end));
+        found += ends.size();
     };
     WorkTogether({change, read, read});
-    sink.Root.Close();
+    EXPECT_NE(0u, found);
+}
+
+// A client's node is asked for its interfaces with the new parent's lock held, and takes its time.
+// A reader on the way through that parent waits, but not with a lock that readers of other nodes
+// need.
+TEST_F(RetrievalStress, WaitingForABusyNodeKeepsNobodyElseAway) {
+    const OpenStorage storage("r(busy(x) other)");
+    const Node busy = FindChild(storage.Root, W("busy"));
+    std::atomic<bool> isBusy{false}, isServed{false}, hasGivenUp{false};
+    ForeignNode slow;
+    slow.WhenAsked = [&] {
+        isBusy = true;
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!isServed && !hasGivenUp) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            hasGivenUp = std::chrono::steady_clock::now() > end;
+        }
+    };
+    std::thread adding([&] { EXPECT_EQ(E_NOINTERFACE, AcnAddChild(busy, &slow)); });
+    while (!isBusy)
+        std::this_thread::yield();
+    std::thread waiting([&] { EXPECT_EQ(1u, Retrieve(storage.Held, Filter("/r/busy/x")).size()); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100)); // until it waits
+    EXPECT_EQ(1u, Retrieve(storage.Held, Filter("/r/other")).size());
+    isServed = true;
+    adding.join();
+    waiting.join();
+    EXPECT_FALSE(hasGivenUp);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 
 #include <treevault/treevault.h>
 
+#include <functional>
 #include <sstream>
 #include <string>
 
@@ -19,6 +20,7 @@ public:
     // The call as "Operation(argument, argument)": pointers as they are, numbers in decimal.
     std::string LastCall;
     uint32_t References = 1;
+    std::function<void()> WhenAsked; // for another interface
 
     template <class... Arguments>
     static std::string Call(const char* operation, Arguments... arguments) {
@@ -30,7 +32,11 @@ public:
 
     uint32_t TREEVAULT_CALL AddRef() override { return ++References; }
     uint32_t TREEVAULT_CALL Release() override { return --References; }
-    HRESULT TREEVAULT_CALL QueryInterface(const GUID*, void**) override { return E_NOINTERFACE; }
+    HRESULT TREEVAULT_CALL QueryInterface(const GUID*, void**) override {
+        if (WhenAsked)
+            WhenAsked();
+        return E_NOINTERFACE;
+    }
 
     HRESULT TREEVAULT_CALL GetName(NodeNameKind kind, WCHAR* buffer, size_t* size) override {
         return Note("GetName", kind, buffer, size);

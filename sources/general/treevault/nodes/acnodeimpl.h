@@ -4,7 +4,7 @@
 // Any thread may call any operation. Each takes the lock of its node; between nodes a parent's lock
 // comes before a child's, and no operation holds a child's lock while it asks for the parent's. A
 // child whose lock was taken under the parent's stays as long as that lock is held, without a
-// reference: neither does it leave its parent, nor does the parent let go of it.
+// reference: a parent gives its references to a child up only when nobody is inside of it.
 #ifndef TREEVAULT_NODES_ACNODEIMPL_H
 #define TREEVAULT_NODES_ACNODEIMPL_H
 
@@ -77,8 +77,9 @@ public:
     // None if there is no child of that name.
     Ref<CACNodeImpl> FindChild(WideView name) const noexcept;
 
-    // Follows the names of a path, which goes on at `begin`, as far as there are children, and
-    // moves `begin` behind the last that was found. None if the first name is no child's.
+    // Follows the names of a path, which goes on at `begin`, before its end, as far as there are
+    // children, and moves `begin` behind the last that was found. None if the first name is no
+    // child's. The caller sees to it that this node stays.
     Ref<CACNodeImpl> FindBelow(WideView path, size_t& begin) const noexcept;
 
     NodePath GetPath() const noexcept;
@@ -96,13 +97,14 @@ public:
     void RestoreAttributes(AttributeTable table, const WideString& type);
 
     // What is mostly read after this node, to be prefetched: its children, or the attributes of one
-    // that has none, for which the names above are prefetched at once. Needs no lock.
+    // that has none. Needs no lock.
     const void* Behind() const noexcept {
-        if (const void* const children = Children.Peek())
-            return children;
-        Above.Prefetch();
-        return Attributes.Peek();
+        const void* const children = Children.Peek();
+        return children ? children : Attributes.Peek();
     }
+
+    // Asks the processor for the names above; needs no lock.
+    void PrefetchAbove() const noexcept { Above.Prefetch(); }
 
     // What a holder of Lock may read, or a holder of the parent's lock. References to children are
     // those of this node.

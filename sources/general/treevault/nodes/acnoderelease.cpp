@@ -14,8 +14,8 @@ constexpr size_t ChildrenAhead = 4;
 
 // Lets the children go. Those that nobody else holds are put in front of the chain `dying`, which
 // runs through their Parent fields. The count of this node is 0 and so are theirs: nobody else
-// looks at them, and no lock is needed, but for those who came from this node before its count was
-// 0 and have not left the child yet.
+// looks at them, and no lock is needed. Whoever came from this node into a child before, without a
+// reference, is let out first, since it may still take one there.
 void CACNodeImpl::PvtDropChildren(CACNodeImpl*& dying) noexcept {
     const std::span<CACNodeImpl* const> children = Children.InOrder();
     for (size_t at = 0; at < children.size(); ++at) {

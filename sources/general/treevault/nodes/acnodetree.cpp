@@ -37,7 +37,9 @@ void CACNodeImpl::PvtInsertChild(CACNodeImpl* child) noexcept {
     child->CountUp(2);
 }
 
-// Takes a child out of both lists. The caller has a reference of its own.
+// Takes a child out of both lists. The caller has a reference of its own. Whoever has come from
+// this node into the child, without a reference, is out again when the parent is cleared: only then
+// are the two references given up.
 void CACNodeImpl::PvtEraseChild(size_t index) noexcept {
     CACNodeImpl* const child = Children[index];
     Children.Erase(index, child->ShortName());
@@ -189,8 +191,10 @@ Ref<CACNodeImpl> CACNodeImpl::FindChild(WideView name) const noexcept {
 }
 
 // Takes the lock of the next node before it leaves that of the last one: until then the next one
-// stays, and passing it costs no reference.
+// stays, and passing it costs no reference. It never waits for a lock with another one held, or all
+// who come this way would wait behind it, up to the root.
 Ref<CACNodeImpl> CACNodeImpl::FindBelow(WideView path, size_t& begin) const noexcept {
+    Ref<CACNodeImpl> kept; // a node that was waited for; given back when no lock is held
     const CACNodeImpl* node = this;
     CACNodeImpl* found = nullptr; // `node`, but at the end of the path its child
     node->Lock.Enter();
@@ -202,8 +206,14 @@ Ref<CACNodeImpl> CACNodeImpl::FindBelow(WideView path, size_t& begin) const noex
         begin = next;
         if (begin >= path.size())
             break;
-        child->Lock.Enter();
-        node->Lock.Leave();
+        if (child->Lock.TryEnter()) {
+            node->Lock.Leave();
+        } else {
+            Ref<CACNodeImpl> waitedFor = Ref<CACNodeImpl>::Share(child);
+            node->Lock.Leave();
+            kept = std::move(waitedFor);
+            child->Lock.Enter();
+        }
         node = child;
     }
     Ref<CACNodeImpl> reference = Ref<CACNodeImpl>::Share(found);

@@ -16,7 +16,8 @@ namespace {
 
 constexpr size_t FirstCapacity = 4;
 
-// What a walk reads of a child, and behind it: the lists of ten children, or four attributes.
+// In cache lines, what a walk reads of a child, and behind it: mostly the lists of ten children, or
+// four attributes.
 constexpr size_t LinesOfChild = 3;
 constexpr size_t LinesBehind = 7;
 
@@ -32,6 +33,7 @@ bool Suffices(size_t capacity, size_t count) noexcept {
 void ChildList::PrefetchFound(Slot& slot) noexcept {
     PrefetchLines(slot.Child, LinesOfChild);
     PrefetchLines(slot.Behind, LinesBehind);
+    slot.Child->PrefetchAbove();
     const void* const behind = slot.Child->Behind();
     if (slot.Behind == behind)
         return;

@@ -118,7 +118,7 @@ AnyNode CMemoryStorage::PvtFindChild(const AnyNode& parent, WideView name) {
 }
 
 // Follows the path through nodes of the library as far as they go; `begin` moves behind what was
-// found.
+// found. A root needs no reference: it stays as long as the storage is locked.
 AnyNode CMemoryStorage::PvtDescend(WideView path, size_t& begin) {
     size_t next = begin;
     const auto root = RootNodes.find(TakeName(path, next));
