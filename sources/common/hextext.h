@@ -30,7 +30,8 @@ inline constexpr HexPairs<Char> UpperHexPairs = MakeHexPairs<Char>("0123456789AB
 
 inline constexpr size_t GuidTextLength = 36; // without braces
 
-// Writes XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX, without a terminator, and gives its end.
+// Writes groups of 8, 4, 4, 4 and 12 digits with "-" between, without a terminator, and gives their
+// end.
 template <class Char>
 Char* WriteGuidText(const GUID& guid, const HexPairs<Char>& pairs, Char* at) noexcept {
     const auto put = [&](uint32_t value) {

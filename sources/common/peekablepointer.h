@@ -9,12 +9,13 @@
 
 namespace treevault {
 
+inline constexpr size_t CacheLine = 64;
+
 // Asks the processor for so many cache lines. No memory is read: what lies there may be gone.
 inline void PrefetchLines(const void* from, size_t lines) noexcept {
-    constexpr size_t cacheLine = 64;
     const auto begin = reinterpret_cast<uintptr_t>(from);
     for (size_t line = 0; line < lines; ++line)
-        __builtin_prefetch(reinterpret_cast<const void*>(begin + line * cacheLine), 1);
+        __builtin_prefetch(reinterpret_cast<const void*>(begin + line * CacheLine), 1);
 }
 
 // A pointer like any other for those who hold the lock that guards it. Whoever does not may only

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Batches taken from a retrieval context while the selected nodes change and go.
+// Retrievals while the selected nodes, and the ways that lead to them, change and go.
 #include "stresssink.h"
 
 #include "support/foreignnode.h"

@@ -16,9 +16,9 @@ namespace {
 
 constexpr size_t FirstCapacity = 4;
 
-// In cache lines, what a walk reads of a child, and behind it: mostly the lists of ten children, or
-// four attributes.
-constexpr size_t LinesOfChild = 3;
+constexpr size_t LinesOfChild = (sizeof(CACNodeImpl) + CacheLine - 1) / CacheLine;
+
+// Mostly enough for the lists of ten children, or for four attributes.
 constexpr size_t LinesBehind = 7;
 
 // At most three of four slots are taken.
